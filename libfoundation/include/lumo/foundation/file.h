@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/foundation/export.h"
+
+#include <QString>
+
+class QByteArray;
+
+/// Paths and whole files. Paths use "/" on every system.
+namespace lumo::file {
+
+/// Whether there is a file or folder at `path`; a link counts as what it points to.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool exists(const QString& path);
+
+/// Makes the folder and all that are missing above it; true if it is there afterwards.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool mkdir(const QString& path);
+
+/// Whether the file or folder exists and this process may not write to it.
+/// It is tried, not asked: rights alone do not tell for root or on a file
+/// system that is mounted read-only. What is there is not changed.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool readonly(const QString& path);
+
+/// The path without its last part: "a/b.txt" -> "a", "b.txt" -> ".", "/b" -> "/".
+/// Here and in `filename` slashes at the end do not count.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT QString dirname(const QString& path);
+
+/// The last part: "a/b.txt" -> "b.txt".
+[[nodiscard]] LUMO_FOUNDATION_EXPORT QString filename(const QString& path);
+
+/// "folder/name" with one slash between; the other alone if one is empty.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT QString join(const QString& folder, const QString& name);
+
+/// Backslashes become slashes; double slashes, "." and ".." are resolved.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT QString cleanup(const QString& path);
+
+/// Copies a file's content and mode to a path where nothing is yet, not even a
+/// dangling link. The copy is flushed to the disk before it appears there;
+/// nothing does when it fails.
+/// \param[out] error  on failure "PATH: reason", else untouched
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool copy(
+    const QString& source, const QString& target, QString& error);
+
+/// Makes `content` the file at `path`, as a whole or not at all: it is written
+/// beside it, flushed to the disk and renamed. A link is followed. Mode and
+/// owner of a file that was there are kept as far as this process may set them;
+/// other names (hard links) of it keep the old content. Refuses what is not a
+/// regular file, and a file that this process may not write to.
+/// \param[out] error  on failure "PATH: reason", else untouched
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool replaceAtomically(
+    const QString& path, const QByteArray& content, QString& error);
+
+} // namespace lumo::file
