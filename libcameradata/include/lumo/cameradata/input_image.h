@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/cameradata/exif_info.h"
+#include "lumo/cameradata/export.h"
+
+#include <QString>
+
+namespace lumo {
+
+/// The numbers are compared: devices of kind 1 need a radiometric calibration.
+enum class SpectralKind : int {
+    Rgb = 0,
+    Multispectral = 1,
+};
+
+/// An image file that a project takes in, with its metadata.
+class LUMO_CAMERADATA_EXPORT InputImage
+{
+public:
+    InputImage() = default;
+    /// The spectral kind is Rgb if the metadata's bands are named Red, Green and
+    /// Blue or there are none, else Multispectral.
+    InputImage(QString path, const ExifInfo& exif);
+
+    [[nodiscard]] const QString& path() const { return m_path; }
+    [[nodiscard]] const ExifInfo& exif() const { return m_exif; }
+    /// Replaces the metadata; the spectral kind stays.
+    void setExif(const ExifInfo& exif) { m_exif = exif; }
+    [[nodiscard]] const QString& serialNumber() const { return m_exif.serialNumber; }
+    [[nodiscard]] const bands_t& bands() const { return m_exif.bands; }
+    [[nodiscard]] SpectralKind spectralKind() const { return m_spectralKind; }
+    void setSpectralKind(SpectralKind kind) { m_spectralKind = kind; }
+
+    bool operator==(const InputImage&) const = default;
+
+private:
+    QString m_path;
+    ExifInfo m_exif;
+    SpectralKind m_spectralKind = SpectralKind::Rgb;
+};
+
+} // namespace lumo

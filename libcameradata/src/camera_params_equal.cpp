@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/cameradata/camera_params.h"
+
+#include <algorithm>
+
+namespace lumo {
+namespace {
+
+/// Equal when written with this many significant digits, so that parameters
+/// equal themselves after a round trip through a file.
+bool equalWritten(double a, double b, int digits)
+{
+    return a == b || QByteArray::number(a, 'g', digits) == QByteArray::number(b, 'g', digits);
+}
+
+// Significant digits in files.
+constexpr int kSizeDigits = 6;
+constexpr int kFocalDigits = 7;
+constexpr int kLensDigits = 9;
+constexpr int kValueDigits = 10;
+constexpr int kVignettingDigits = 6;
+
+bool equalLens(const PerspectiveParams& a, const PerspectiveParams& b)
+{
+    return equalWritten(a.focalLengthMm, b.focalLengthMm, kFocalDigits) &&
+           a.distortion == b.distortion && equalWritten(a.radialK1, b.radialK1, kLensDigits) &&
+           equalWritten(a.radialK2, b.radialK2, kLensDigits) &&
+           equalWritten(a.radialK3, b.radialK3, kLensDigits) &&
+           equalWritten(a.tangentialT1, b.tangentialT1, kLensDigits) &&
+           equalWritten(a.tangentialT2, b.tangentialT2, kLensDigits);
+}
+
+bool equalLens(const FisheyeParams& a, const FisheyeParams& b)
+{
+    const auto equalTerm = [](double x, double y) { return equalWritten(x, y, kLensDigits); };
+    return a.npoly == b.npoly && a.p0zero == b.p0zero && a.symmetricAffine == b.symmetricAffine &&
+           std::equal(a.poly.begin(), a.poly.end(), b.poly.begin(), equalTerm) &&
+           equalTerm(a.c, b.c) && equalTerm(a.d, b.d) && equalTerm(a.e, b.e) && equalTerm(a.f, b.f);
+}
+
+bool equalLensInUse(const CameraParams& a, const CameraParams& b)
+{
+    if (a.lensType != b.lensType) {
+        return false;
+    }
+    switch (a.lensType) {
+    case LensType::Perspective:
+        return equalLens(a.perspective, b.perspective);
+    case LensType::Fisheye:
+        return equalLens(a.fisheye, b.fisheye);
+    case LensType::Spherical:
+        return true;
+    }
+    return true; // an unknown type has no lens elements
+}
+
+bool equalRange(
+    const std::pair<const DataType, PixelValueRange>& a,
+    const std::pair<const DataType, PixelValueRange>& b)
+{
+    return a.first == b.first && equalWritten(a.second.min, b.second.min, kValueDigits) &&
+           equalWritten(a.second.max, b.second.max, kValueDigits);
+}
+
+bool equalVignetting(
+    const std::pair<const int, VignettingData>& a, const std::pair<const int, VignettingData>& b)
+{
+    const Eigen::MatrixXd& m = a.second.coefficients;
+    const Eigen::MatrixXd& n = b.second.coefficients;
+    return a.first == b.first && m.rows() == n.rows() && m.cols() == n.cols() &&
+           std::equal(m.data(), m.data() + m.size(), n.data(), [](double x, double y) {
+               return equalWritten(x, y, kVignettingDigits);
+           });
+}
+
+} // namespace
+
+bool CameraParams::equal(const CameraParams& other, bool withVignetting) const
+{
+    return name == other.name && imageWidth == other.imageWidth &&
+           imageHeight == other.imageHeight &&
+           equalWritten(pixelSize, other.pixelSize, kSizeDigits) &&
+           equalWritten(principalPointXMm, other.principalPointXMm, kSizeDigits) &&
+           equalWritten(principalPointYMm, other.principalPointYMm, kSizeDigits) &&
+           equalLensInUse(*this, other) && shutterModel == other.shutterModel &&
+           equalWritten(lineReadoutTime, other.lineReadoutTime, kValueDigits) &&
+           equalWritten(velocityNumber, other.velocityNumber, kValueDigits) &&
+           std::equal(
+               pixelValues.begin(), pixelValues.end(), other.pixelValues.begin(),
+               other.pixelValues.end(), equalRange) &&
+           (!withVignetting || std::equal(
+                                   vignetting.begin(), vignetting.end(), other.vignetting.begin(),
+                                   other.vignetting.end(), equalVignetting));
+}
+
+} // namespace lumo
