@@ -20,6 +20,7 @@ add_library(lumo_warnings INTERFACE)
 target_compile_options(lumo_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
     -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wcast-align
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized> # false alarms in Eigen's inlined code
     $<$<BOOL:${LUMO_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(lumo_warnings INTERFACE
     QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS)

@@ -60,8 +60,9 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
     std::size_t fileHeight = 0;
     std::optional<FocalPlaneResolution> focalPlane;
     bands_t bands;
-    QDateTime dateTime; ///< of exposure, in the camera's local time, to the millisecond
-    QString captureId;  ///< the same for all images of one capture of a rig
+    bool bandsNamed = false; ///< by the file itself; else they follow from the number of channels
+    QDateTime dateTime;      ///< of exposure, in the camera's local time, to the millisecond
+    QString captureId;       ///< the same for all images of one capture of a rig
     QString rigName;
     std::optional<int> rigCameraIndex;
     std::vector<double>

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/exif/export.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace lumo::exif {
+
+/// Image area of a camera's sensor, the longer side first.
+struct SensorSize
+{
+    double widthMm = 0.0;
+    double heightMm = 0.0; ///< 0 if not known
+
+    bool operator==(const SensorSize&) const = default;
+};
+
+/// The sensor size of a camera model in the shipped table of some 7,300 models.
+///
+/// Spellings are folded: of the maker the first word counts, and several names
+/// of one maker are one ("EASTMAN KODAK COMPANY", "Kodak"); of the model only
+/// letters, digits and "+", in lower case, without the maker's name before it.
+/// A model that names another maker of the table ("RICOH IMAGING COMPANY" makes
+/// a "PENTAX K-3") is looked for under that maker too.
+///
+/// One model name may stand for several cameras (colour and thermal, say); the
+/// table then knows the main colour camera.
+///
+/// The table is loaded by the first call. Calls may run in parallel.
+[[nodiscard]] LUMO_EXIF_EXPORT std::optional<SensorSize> findSensorSize(
+    const QString& make, const QString& model);
+
+} // namespace lumo::exif

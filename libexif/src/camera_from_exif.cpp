@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/exif/camera_from_exif.h"
+
+#include "lumo/cameradata/camera_name.h"
+#include "lumo/foundation/log.h"
+
+namespace lumo {
+namespace exif {
+namespace {
+
+QString cameraName(const ExifID& id)
+{
+    if (validCameraName(id.first)) {
+        return id.first;
+    }
+    return validCameraName(id.second) ? id.second : QString();
+}
+
+/// The first evidence that is believed; source None if there is none.
+PixelSizeEvidence bestEvidence(const ExifInfo& exif)
+{
+    for (const PixelSizeEvidence& evidence : findPixelSizeEvidence(exif)) {
+        if (evidence.doubt.isEmpty()) {
+            return evidence;
+        }
+        log::info() << exif.make << exif.model << "pixel size" << evidence.pixelSizeMm * 1000.0
+                    << "um of" << text::toString(evidence.source)
+                    << "is not used:" << evidence.doubt;
+    }
+    return {};
+}
+
+} // namespace
+
+CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm)
+{
+    CameraData camera;
+    camera.params.name = cameraName(exif.exifId());
+    camera.params.setImageSize(exif.imageWidth, exif.imageHeight);
+    camera.params.pixelSize = pixelSizeMm;
+    camera.params.setPrincipalPointPixel(
+        {0.5 * static_cast<double>(exif.imageWidth), 0.5 * static_cast<double>(exif.imageHeight)});
+    camera.params.perspective.focalLengthMm = exif.focalLengthMm;
+    camera.params.source = CameraSource::Exif;
+    camera.setBands(exif.bands, false);
+    camera.serialNumber = exif.serialNumber;
+    camera.exifId = exif.exifId().first;
+    return camera;
+}
+
+bool getCamera(const ExifInfo& exif, CameraData& camera, PixelSizeSource* from, QString& error)
+{
+    if (cameraName(exif.exifId()).isEmpty()) {
+        error = QStringLiteral("the metadata name no camera");
+        return false;
+    }
+    if (exif.imageWidth == 0 || exif.imageHeight == 0) {
+        error = QStringLiteral("the metadata hold no image size");
+        return false;
+    }
+    if (!(exif.focalLengthMm > 0.0)) {
+        error = QStringLiteral("the metadata hold no focal length");
+        return false;
+    }
+    const PixelSizeEvidence evidence = bestEvidence(exif);
+    if (evidence.source == PixelSizeSource::None) {
+        error = QStringLiteral("the metadata yield no pixel size");
+        return false;
+    }
+    camera = makeCamera(exif, evidence.pixelSizeMm);
+    if (from != nullptr) {
+        *from = evidence.source;
+    }
+    return true;
+}
+
+} // namespace exif
+
+QString text::toString(exif::PixelSizeSource source)
+{
+    switch (source) {
+    case exif::PixelSizeSource::FocalPlane:
+        return QStringLiteral("focalPlane");
+    case exif::PixelSizeSource::SensorTable:
+        return QStringLiteral("sensorTable");
+    case exif::PixelSizeSource::Focal35mm:
+        return QStringLiteral("focal35mm");
+    case exif::PixelSizeSource::None:
+        break;
+    }
+    return QStringLiteral("none");
+}
+
+} // namespace lumo

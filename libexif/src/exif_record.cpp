@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "exif_record.h"
+
+#include "irradiance.h"
+#include "lumo/foundation/text.h"
+
+#include <QRegularExpression>
+
+#include <initializer_list>
+
+namespace lumo::exif {
+namespace {
+
+constexpr double kMaxFocalLengthMm = 1e5;
+constexpr double kMaxFNumber = 1000.0;
+constexpr double kMaxSize = 1e6;
+constexpr double kMaxResolution = 1e9;
+constexpr int kMaxRigCameraIndex = 255;
+
+QString firstText(
+    const TagReader& tags, const char* key, const XmpProperties& xmp,
+    std::initializer_list<const char*> properties)
+{
+    QString text = tags.text(key);
+    for (const char* property : properties) {
+        if (text.isEmpty()) {
+            text = xmp.text(property);
+        }
+    }
+    return text;
+}
+
+/// The EXIF size is the camera's; a file that was scaled down keeps it. One that
+/// is smaller than the pixel array describes something else (a preview).
+void setSizes(const RawMetadata& raw, const TagReader& tags, ExifInfo& exif)
+{
+    const auto plausible = [](std::size_t side) { return static_cast<double>(side) <= kMaxSize; };
+    if (plausible(raw.pixelWidth) && plausible(raw.pixelHeight)) {
+        exif.fileWidth = raw.pixelWidth;
+        exif.fileHeight = raw.pixelHeight;
+    } else {
+        tags.warn(QStringLiteral("image size"), QStringLiteral("not plausible"));
+    }
+    const auto width =
+        static_cast<std::size_t>(tags.positive("Exif.Photo.PixelXDimension", kMaxSize));
+    const auto height =
+        static_cast<std::size_t>(tags.positive("Exif.Photo.PixelYDimension", kMaxSize));
+    const bool larger = width * height > exif.fileWidth * exif.fileHeight;
+    exif.imageWidth = larger ? width : exif.fileWidth;
+    exif.imageHeight = larger ? height : exif.fileHeight;
+}
+
+/// Millimetres in a unit of FocalPlaneResolutionUnit; 0 for other numbers.
+double unitMm(int unit)
+{
+    switch (unit) {
+    case 2:
+        return 25.4;
+    case 3:
+        return 10.0;
+    case 4:
+        return 1.0;
+    case 5:
+        return 1e-3;
+    default:
+        return 0.0;
+    }
+}
+
+std::optional<FocalPlaneResolution> focalPlane(const TagReader& tags)
+{
+    constexpr const char* kUnitKey = "Exif.Photo.FocalPlaneResolutionUnit";
+    constexpr int kInch = 2;
+    const double x = tags.positive("Exif.Photo.FocalPlaneXResolution", kMaxResolution);
+    const double y = tags.positive("Exif.Photo.FocalPlaneYResolution", kMaxResolution);
+    if (x == 0.0 || y == 0.0) {
+        return std::nullopt;
+    }
+    const double unit = tags.number(kUnitKey).value_or(kInch);
+    const double mm = unit >= 0.0 && unit <= 65535.0 ? unitMm(static_cast<int>(unit)) : 0.0;
+    if (mm == 0.0) {
+        tags.warn(QLatin1String(kUnitKey), QStringLiteral("%1 is no unit").arg(unit));
+        return std::nullopt;
+    }
+    return FocalPlaneResolution{x / mm, y / mm};
+}
+
+/// "2018:04:13 08:06:58"; some programs write other separators.
+QDateTime parseDateTime(const QString& text)
+{
+    static const QRegularExpression form(
+        QStringLiteral(R"(^(\d{4})[:-](\d\d)[:-](\d\d)[ T](\d\d):(\d\d):(\d\d))"));
+    const QRegularExpressionMatch match = form.match(text);
+    const auto part = [&match](int i) { return match.captured(i).toInt(); };
+    return {QDate(part(1), part(2), part(3)), QTime(part(4), part(5), part(6)), Qt::UTC};
+}
+
+/// Digits after the decimal point of the seconds, cut to milliseconds.
+int milliseconds(const QString& fraction)
+{
+    static const QRegularExpression digits(QStringLiteral(R"(^\d+$)"));
+    return digits.match(fraction).hasMatch()
+               ? fraction.leftJustified(3, QLatin1Char('0'), true).toInt()
+               : 0;
+}
+
+/// Cameras whose clock was never set write blanks or zeros.
+bool unsetClock(const QString& text)
+{
+    static const QRegularExpression form(QStringLiteral(R"(^[ :0]*$)"));
+    return form.match(text).hasMatch();
+}
+
+QDateTime dateTime(const TagReader& tags)
+{
+    struct Field
+    {
+        const char* time;
+        const char* fraction;
+    };
+    const Field fields[] = {
+        {"Exif.Photo.DateTimeOriginal", "Exif.Photo.SubSecTimeOriginal"},
+        {"Exif.Photo.DateTimeDigitized", "Exif.Photo.SubSecTimeDigitized"},
+        {"Exif.Image.DateTime", "Exif.Photo.SubSecTime"}};
+    for (const Field& field : fields) {
+        const QString text = tags.text(field.time);
+        if (unsetClock(text)) {
+            continue;
+        }
+        const QDateTime time = parseDateTime(text);
+        if (!time.isValid()) {
+            tags.warn(QLatin1String(field.time), QStringLiteral("\"%1\" is no time").arg(text));
+            continue;
+        }
+        QString fraction = tags.text(field.fraction);
+        // Some cameras give the fraction only for the time of writing.
+        if (fraction.isEmpty() && text == tags.text("Exif.Image.DateTime")) {
+            fraction = tags.text("Exif.Photo.SubSecTime");
+        }
+        return time.addMSecs(milliseconds(fraction));
+    }
+    return {};
+}
+
+std::optional<int> rigCameraIndex(const XmpProperties& xmp, const TagReader& tags)
+{
+    constexpr const char* kProperty = "Camera:RigCameraIndex";
+    if (!xmp.contains(kProperty)) {
+        return std::nullopt;
+    }
+    bool ok = false;
+    const int index = text::fromString<int>(xmp.text(kProperty), &ok);
+    if (!ok || index < 0 || index > kMaxRigCameraIndex) {
+        tags.warn(QLatin1String(kProperty), QStringLiteral("not an index"));
+        return std::nullopt;
+    }
+    return index;
+}
+
+QString captureId(const XmpProperties& xmp)
+{
+    for (const char* property :
+         {"Camera:CaptureUUID", "drone-dji:CaptureUUID", "MicaSense:CaptureId"}) {
+        const QString text = xmp.text(property);
+        if (!text.isEmpty()) {
+            return text;
+        }
+    }
+    return {};
+}
+
+/// The number, but for 0: the standard's way to say "not known".
+double equivalentFocalLength(const TagReader& tags)
+{
+    constexpr const char* kKey = "Exif.Photo.FocalLengthIn35mmFilm";
+    return tags.number(kKey) == 0.0 ? 0.0 : tags.positive(kKey, kMaxFocalLengthMm);
+}
+
+} // namespace
+
+ExifInfo makeRecord(const RawMetadata& raw, const TagReader& tags, const XmpProperties& xmp)
+{
+    ExifInfo exif;
+    exif.make = firstText(tags, "Exif.Image.Make", xmp, {"tiff:Make"});
+    exif.model = firstText(tags, "Exif.Image.Model", xmp, {"tiff:Model"});
+    exif.lensModel = firstText(tags, "Exif.Photo.LensModel", xmp, {"exifEX:LensModel", "aux:Lens"});
+    exif.focalLengthMm = tags.positive("Exif.Photo.FocalLength", kMaxFocalLengthMm);
+    exif.focalLength35Mm = equivalentFocalLength(tags);
+    exif.fNumber = tags.positive("Exif.Photo.FNumber", kMaxFNumber);
+    setSizes(raw, tags, exif);
+    exif.focalPlane = focalPlane(tags);
+    exif.dateTime = dateTime(tags);
+    exif.captureId = captureId(xmp);
+    exif.rigName = xmp.text("Camera:RigName");
+    exif.rigCameraIndex = rigCameraIndex(xmp, tags);
+    exif.irradiance = findIrradiance(xmp, tags);
+    return exif;
+}
+
+} // namespace lumo::exif

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/cameradata/exif_info.h"
+#include "raw_metadata.h"
+#include "tag_reader.h"
+#include "xmp_packet.h"
+
+namespace lumo::exif {
+
+/// The record of an image but for its serial number and bands, with all numbers
+/// checked.
+[[nodiscard]] ExifInfo makeRecord(
+    const RawMetadata& raw, const TagReader& tags, const XmpProperties& xmp);
+
+} // namespace lumo::exif

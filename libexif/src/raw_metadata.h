@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace lumo::exif {
+
+/// The value of one EXIF tag, free of the metadata library's types.
+struct TagValue
+{
+    QByteArray bytes;            ///< of text, byte and undefined tags
+    std::vector<double> numbers; ///< the first 16; NaN for a zero denominator
+};
+
+/// What a file holds, before it is judged.
+struct RawMetadata
+{
+    /// Keys are those of exiv2: "Exif.<group>.<tag>".
+    std::map<std::string, TagValue> tags;
+    QByteArray xmpPacket;
+    std::size_t pixelWidth = 0; ///< of the main image; 0 if there is none
+    std::size_t pixelHeight = 0;
+};
+
+} // namespace lumo::exif

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/exif/read_exif.h"
+
+#include "exif_record.h"
+#include "exiv2_reader.h"
+#include "image_bands.h"
+#include "jpeg_frame.h"
+#include "lumo/foundation/log.h"
+#include "serial_number.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace lumo::exif {
+namespace {
+
+bool openFile(QFile& file, QString& error)
+{
+    const QFileInfo info(file.fileName());
+    if (!info.exists()) {
+        error = QStringLiteral("no such file");
+        return false;
+    }
+    // Reading from a pipe or device might never end.
+    if (!info.isFile()) {
+        error = info.isDir() ? QStringLiteral("is a folder") : QStringLiteral("is not a file");
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = file.errorString().simplified();
+        return false;
+    }
+    if (file.size() == 0) {
+        error = QStringLiteral("the file is empty");
+        return false;
+    }
+    return true;
+}
+
+XmpProperties readXmp(const RawMetadata& raw, const TagReader& tags)
+{
+    XmpProperties xmp;
+    QString error;
+    if (!raw.xmpPacket.isEmpty() && !parseXmpPacket(raw.xmpPacket, xmp, error)) {
+        tags.warn(QStringLiteral("XMP packet"), error);
+    }
+    return xmp;
+}
+
+/// TIFF files always have tags; this asks for those that a camera writes.
+bool saysNothing(const ExifInfo& exif, const XmpProperties& xmp)
+{
+    return exif.make.isEmpty() && exif.model.isEmpty() && exif.lensModel.isEmpty() &&
+           exif.serialNumber.isEmpty() && exif.focalLengthMm == 0.0 && xmp.empty();
+}
+
+} // namespace
+
+bool readExif(const QString& path, ExifInfo& exif, QString& error)
+{
+    QFile file(path);
+    RawMetadata raw;
+    if (!openFile(file, error) || !readRawMetadata(path, raw, error)) {
+        return false;
+    }
+    const TagReader tags(raw, path);
+    const XmpProperties xmp = readXmp(raw, tags);
+    ExifInfo result = makeRecord(raw, tags, xmp);
+    const ImageBands found = findBands(tags, xmp, readJpegComponents(file));
+    result.bands = found.bands;
+    result.bandsNamed = found.named;
+    result.serialNumber = findSerialNumber(tags, xmp);
+    if (result.serialNumber.isEmpty()) {
+        result.serialNumber = readPhaseOneSerialNumber(file);
+    }
+    if (saysNothing(result, xmp)) {
+        error = QStringLiteral("holds no EXIF data");
+        return false;
+    }
+    exif = result;
+    return true;
+}
+
+QString getSerialNumber(const QString& path)
+{
+    ExifInfo exif;
+    QString error;
+    if (!readExif(path, exif, error)) {
+        log::warning() << path + QStringLiteral(": no serial number:") << error;
+    } else if (exif.serialNumber.isEmpty()) {
+        log::info() << path + QStringLiteral(": no serial number");
+    }
+    return exif.serialNumber;
+}
+
+} // namespace lumo::exif

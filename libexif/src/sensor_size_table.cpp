@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/exif/sensor_size_table.h"
+
+#include "lumo/foundation/log.h"
+#include "sensor_size_rows.h"
+
+namespace lumo::exif {
+namespace {
+
+SensorSizes load()
+{
+    SensorSizes sizes;
+    QString error;
+    if (!parseSensorSizes(shippedSensorSizes(), sizes, error)) {
+        log::important() << "sensor size table:" << error;
+    }
+    return sizes;
+}
+
+} // namespace
+
+std::optional<SensorSize> findSensorSize(const QString& make, const QString& model)
+{
+    static const SensorSizes sizes = load();
+    const QString simplified = model.simplified();
+    const QString otherMake = simplified.section(QLatin1Char(' '), 0, 0);
+    const QString otherModel = simplified.section(QLatin1Char(' '), 1);
+    for (const QString& key : {sensorSizeKey(make, model), sensorSizeKey(otherMake, otherModel)}) {
+        const auto found = key.isEmpty() ? sizes.constEnd() : sizes.constFind(key);
+        if (found != sizes.constEnd()) {
+            return *found;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace lumo::exif

@@ -1,0 +1,414 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "image_files.h"
+#include "lumo/exif/read_exif.h"
+#include "lumo/exif/sequoia.h"
+#include "lumo/foundation/log.h"
+
+#include <QDir>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <functional>
+#include <thread>
+
+namespace lumo::exif {
+namespace {
+
+using Exiv2::asciiString;
+using Exiv2::signedRational;
+using Exiv2::undefined;
+using Exiv2::unsignedLong;
+using Exiv2::unsignedRational;
+using Exiv2::unsignedShort;
+
+constexpr quint32 kSubfileType = 0xfe;
+constexpr quint32 kImageWidth = 0x100;
+constexpr quint32 kPhotometric = 0x106;
+constexpr quint32 kModel = 0x110;
+constexpr quint32 kSamplesPerPixel = 0x115;
+constexpr quint32 kSubDirectories = 0x14a;
+constexpr quint32 kExtraSamples = 0x152;
+constexpr quint32 kXmp = 0x2bc;
+
+class ReadExif : public ImageFiles
+{};
+
+bool warnsOf(const log::Capture& log, const QString& field)
+{
+    const auto records = log.records();
+    return std::any_of(records.begin(), records.end(), [&field](const log::Record& record) {
+        return record.level == log::Level::Warning && record.text.contains(field);
+    });
+}
+
+TEST_F(ReadExif, AllFieldsComeFromTheirTags)
+{
+    const ExifInfo exif = read(jpeg(
+        {{"Exif.Image.Make", asciiString, "PARROT"},
+         {"Exif.Image.Model", asciiString, "Sequoia  "},
+         {"Exif.Photo.FocalLength", unsignedRational, "4294967295/1079137511"},
+         {"Exif.Photo.FocalLengthIn35mmFilm", unsignedShort, "30"},
+         {"Exif.Photo.FNumber", signedRational, "22/10"},
+         {"Exif.Photo.LensModel", asciiString, "Lens 4 mm"},
+         {"Exif.Photo.DateTimeOriginal", asciiString, "2018:04:13 08:06:58"},
+         {"Exif.Photo.SubSecTimeOriginal", asciiString, "272833"}},
+        xmpPacket("<Camera:RigName>Sequoia</Camera:RigName>"
+                  "<Camera:RigCameraIndex>3</Camera:RigCameraIndex>"
+                  "<Camera:CaptureUUID>BE5AB0</Camera:CaptureUUID>")));
+    EXPECT_EQ(exif.model, QStringLiteral("Sequoia"));
+    EXPECT_TRUE(sequoia::isSequoia(exif));
+    EXPECT_NEAR(exif.focalLengthMm, 3.98, 1e-8);
+    EXPECT_EQ(exif.focalLength35Mm, 30.0);
+    EXPECT_EQ(exif.fNumber, 2.2);
+    EXPECT_EQ(exif.lensModel, QStringLiteral("Lens 4 mm"));
+    EXPECT_EQ(
+        exif.dateTime.toString(Qt::ISODateWithMs), QStringLiteral("2018-04-13T08:06:58.272Z"));
+    EXPECT_EQ(exif.rigName, QStringLiteral("Sequoia"));
+    EXPECT_EQ(exif.rigCameraIndex, 3);
+    EXPECT_EQ(exif.captureId, QStringLiteral("BE5AB0"));
+    EXPECT_EQ(exif.bands, band::makeRGBBands());
+    EXPECT_EQ(exif.fileWidth, 40U);
+    EXPECT_EQ(exif.fileHeight, 30U);
+}
+
+TEST_F(ReadExif, NonsenseBecomesZeroAndIsLogged)
+{
+    const std::vector<Tag> cases = {
+        {"Exif.Photo.FocalLength", unsignedRational, "0/1"},
+        {"Exif.Photo.FocalLength", unsignedRational, "0/0"},
+        {"Exif.Photo.FocalLength", unsignedRational, "5/0"},
+        {"Exif.Photo.FocalLength", signedRational, "-5/1"},
+        {"Exif.Photo.FocalLength", unsignedRational, "4000000000/1"},
+        {"Exif.Photo.FocalLength", Exiv2::tiffDouble, "nan"},
+        {"Exif.Photo.FNumber", Exiv2::tiffDouble, "inf"},
+        {"Exif.Photo.FocalLengthIn35mmFilm", Exiv2::signedShort, "-28"},
+        {"Exif.Photo.PixelXDimension", unsignedLong, "1000001"},
+        {"Exif.Photo.PixelYDimension", unsignedLong, "0"},
+        {"Exif.Photo.FocalPlaneXResolution", unsignedRational, "0/0"},
+        {"Exif.Photo.FocalPlaneYResolution", signedRational, "-1/2"},
+        {"Exif.Photo.FocalPlaneResolutionUnit", unsignedShort, "1"},
+        {"Exif.Photo.DateTimeOriginal", asciiString, "2018:13:40 08:06:58"}};
+    for (const Tag& tag : cases) {
+        SCOPED_TRACE(tag.key + (" " + tag.value));
+        Tags tags = kCamera + Tags{
+                                  {"Exif.Photo.PixelXDimension", unsignedLong, "100"},
+                                  {"Exif.Photo.PixelYDimension", unsignedLong, "80"},
+                                  {"Exif.Photo.FocalPlaneXResolution", unsignedRational, "50/1"},
+                                  {"Exif.Photo.FocalPlaneYResolution", unsignedRational, "50/1"}};
+        tags.erase(
+            std::remove_if(
+                tags.begin(), tags.end(),
+                [&tag](const Tag& other) { return std::string(other.key) == tag.key; }),
+            tags.end());
+        const log::Capture log;
+        const ExifInfo exif = read(jpeg(tags + Tags{tag}));
+        EXPECT_TRUE(warnsOf(log, QLatin1String(tag.key)));
+        EXPECT_EQ(exif.focalLengthMm, 0.0);
+        EXPECT_EQ(exif.focalLength35Mm, 0.0);
+        EXPECT_EQ(exif.fNumber, 0.0);
+        EXPECT_FALSE(exif.dateTime.isValid());
+        const QString key = QLatin1String(tag.key);
+        EXPECT_EQ(exif.imageWidth, key.contains(QLatin1String("Dimension")) ? 40U : 100U);
+        EXPECT_NE(exif.focalPlane.has_value(), key.contains(QLatin1String("FocalPlane")));
+    }
+}
+
+TEST_F(ReadExif, FocalPlaneResolutionIsPerMillimetre)
+{
+    const std::pair<const char*, double> cases[] = {
+        {nullptr, 1.0}, {"2", 1.0}, {"3", 2.54}, {"4", 25.4}, {"5", 25400.0}};
+    for (const auto& [unit, expected] : cases) {
+        Tags tags = kCamera + Tags{
+                                  {"Exif.Photo.FocalPlaneXResolution", unsignedRational, "254/10"},
+                                  {"Exif.Photo.FocalPlaneYResolution", unsignedRational, "508/10"}};
+        if (unit != nullptr) {
+            tags.push_back({"Exif.Photo.FocalPlaneResolutionUnit", unsignedShort, unit});
+        }
+        const auto resolution = read(jpeg(tags)).focalPlane;
+        ASSERT_TRUE(resolution.has_value());
+        EXPECT_NEAR(resolution->x, expected, 1e-9 * expected);
+        EXPECT_NEAR(resolution->y, 2.0 * expected, 1e-9 * expected);
+    }
+}
+
+TEST_F(ReadExif, TheExifSizeCountsOnlyWhereItIsLarger)
+{
+    struct Case
+    {
+        const char* width;
+        const char* height;
+        std::size_t expectedWidth;
+        std::size_t expectedHeight;
+    };
+    for (const Case& c : {Case{"80", "60", 80, 60}, {"20", "15", 40, 30}, {"30", "40", 40, 30}}) {
+        const ExifInfo exif = read(jpeg(
+            kCamera + Tags{
+                          {"Exif.Photo.PixelXDimension", unsignedLong, c.width},
+                          {"Exif.Photo.PixelYDimension", unsignedLong, c.height}}));
+        EXPECT_EQ(exif.imageWidth, c.expectedWidth);
+        EXPECT_EQ(exif.imageHeight, c.expectedHeight);
+        EXPECT_EQ(exif.fileWidth, 40U);
+    }
+}
+
+TEST_F(ReadExif, TextsAreDecodedAndCleaned)
+{
+    const std::pair<std::string, QString> cases[] = {
+        {"  Name \r\n", QStringLiteral("Name")},
+        {std::string("Name\0rest", 9), QStringLiteral("Name")},
+        {"N\x1b[31ma\x7fme", QStringLiteral("N[31mame")},
+        {"Two\nlines", QStringLiteral("Two lines")},
+        {"\xc3\xa4\xe2\x82\xac", QString::fromUtf8("\xc3\xa4\xe2\x82\xac")}, // UTF-8
+        {"caf\xe9", QString::fromUtf8("caf\xc3\xa9")},                       // Latin-1
+        {std::string(65536, 'x'), QString(65536, QLatin1Char('x'))}};
+    for (const auto& [bytes, expected] : cases) {
+        EXPECT_EQ(read(tiff({tiffText(kModel, QByteArray::fromStdString(bytes))})).model, expected);
+    }
+}
+
+TEST_F(ReadExif, AFileThatCannotServeIsOneLineOfReason)
+{
+    const QString text = QStringLiteral("not an image of a known format");
+    const std::pair<QString, QString> cases[] = {
+        {m_folder.filePath(QStringLiteral("missing.jpg")), QStringLiteral("no such file")},
+        {QStringLiteral("http://maker.example/a.jpg"), QStringLiteral("no such file")},
+        {m_folder.path(), QStringLiteral("is a folder")},
+        {QStringLiteral("/dev/zero"), QStringLiteral("is not a file")},
+        {write({}, QStringLiteral("empty.jpg")), QStringLiteral("the file is empty")},
+        {write("only text, no image", QStringLiteral("text.jpg")), text},
+        {write(jpeg({}), QStringLiteral("plain.jpg")), QStringLiteral("holds no EXIF data")},
+        {write(tiff({tiffShort(kImageWidth, 4)}), QStringLiteral("a.tif")),
+         QStringLiteral("holds no EXIF data")},
+        {write(jpeg(kCamera).left(60), QStringLiteral("cut.jpg")),
+         QStringLiteral("truncated or damaged")}};
+    for (const auto& [path, expected] : cases) {
+        ExifInfo exif;
+        exif.model = QStringLiteral("before");
+        const ExifInfo before = exif;
+        QString error;
+        EXPECT_FALSE(readExif(path, exif, error)) << qPrintable(path);
+        EXPECT_EQ(error, expected) << qPrintable(path);
+        EXPECT_EQ(exif, before);
+    }
+}
+
+TEST_F(ReadExif, CutOrSpoiltFilesNeverCrashNorWriteToTheConsole)
+{
+    const Tags tags =
+        kCamera + Tags{
+                      {"Exif.Photo.FocalLength", unsignedRational, "40/10"},
+                      {"Exif.Photo.ComponentsConfiguration", undefined, "1 2 3 0"},
+                      {"Exif.Photo.DateTimeOriginal", asciiString, "2018:04:13 08:06:58"}};
+    const QByteArray xmp = xmpPacket("<Camera:BandName><rdf:Seq><rdf:li>Red</rdf:li></rdf:Seq>"
+                                     "</Camera:BandName>");
+    const std::vector<TiffEntry> tiffTags = {
+        tiffShort(kImageWidth, 4),
+        tiffText(kModel, "Model of a camera"),
+        {kSubDirectories, 4, {}, {tiffShort(kSubfileType, 0), tiffShort(kSamplesPerPixel, 3)}},
+        {kXmp, 1, xmp}};
+    testing::internal::CaptureStderr();
+    for (const QByteArray& whole : {jpeg(tags, xmp), tiff(tiffTags)}) {
+        for (int i = 0; i < whole.size(); ++i) {
+            QByteArray spoilt = whole;
+            spoilt[i] = static_cast<char>(~spoilt[i]);
+            for (const QByteArray& content : {whole.left(i), spoilt}) {
+                ExifInfo exif;
+                QString error;
+                const bool ok = readExif(write(content), exif, error);
+                EXPECT_EQ(ok, error.isEmpty()) << i;
+                EXPECT_FALSE(error.contains(QLatin1Char('\n'))) << i;
+            }
+        }
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(ReadExif, XmpIsMatchedByPrefixWhateverOtherFilesBindItTo)
+{
+    const auto rigName = [this](const char* prefix, const char* uri) {
+        const QByteArray name = QByteArray(prefix) + ":RigName";
+        return read(jpeg(kCamera, xmpPacket("<" + name + ">R</" + name + ">", prefix, uri)))
+            .rigName;
+    };
+    const QString found = QStringLiteral("R");
+    EXPECT_EQ(rigName("Camera", "http://maker.example/1/"), found);
+    EXPECT_EQ(rigName("Camera", "http://other.example/2"), found);
+    EXPECT_EQ(rigName("Kamera", "http://other.example/2"), QString());
+    EXPECT_EQ(rigName("Camera", "http://other.example/2"), found);
+    EXPECT_EQ(rigName("Camera", "Camera/"), found);
+    EXPECT_EQ(rigName("Camera", ""), found);
+}
+
+TEST_F(ReadExif, ABrokenXmpPacketIsLoggedAndTheTagsAreRead)
+{
+    const QByteArray cases[] = {
+        "<x:xmpmeta><rdf:RDF>", "no XML",
+        xmpPacket(QByteArray("<Camera:a>").repeated(300) + QByteArray("</Camera:a>").repeated(300)),
+        "<!DOCTYPE a [<!ENTITY b 'c'>]>" + xmpPacket("<Camera:RigName>&b;</Camera:RigName>")};
+    for (const QByteArray& packet : cases) {
+        const log::Capture log;
+        const ExifInfo exif = read(jpeg(kCamera, packet));
+        EXPECT_EQ(exif.model, QStringLiteral("Model"));
+        EXPECT_EQ(exif.rigName, QString());
+        EXPECT_TRUE(warnsOf(log, QStringLiteral("XMP packet"))) << packet.constData();
+    }
+}
+
+TEST_F(ReadExif, BandsComeFromXmpElseFromTheChannels)
+{
+    const auto model = tiffText(kModel, "M");
+    const auto channels = [&model](quint32 photometric, quint32 samples) {
+        return tiff(
+            {tiffShort(kPhotometric, photometric), model, tiffShort(kSamplesPerPixel, samples)});
+    };
+    const auto tiffWithXmp = [](const QByteArray& inside) {
+        return tiff({tiffShort(kSamplesPerPixel, 1), {kXmp, 1, xmpPacket(inside)}});
+    };
+    const Tags colour = {{"Exif.Photo.ComponentsConfiguration", undefined, "1 2 3 0"}};
+    const bands_t gray = {{QStringLiteral("Gray")}};
+    const bands_t rgb = band::makeRGBBands();
+    const std::pair<QByteArray, bands_t> cases[] = {
+        {channels(1, 1), gray},
+        {channels(32803, 1), rgb},
+        {tiff({model, tiffShort(kSamplesPerPixel, 4), tiffShort(kExtraSamples, 2)}), rgb},
+        {channels(1, 2), {{QStringLiteral("Band 1")}, {QStringLiteral("Band 2")}}},
+        {tiff(
+             {tiffShort(kSubfileType, 1),
+              model,
+              tiffShort(kSamplesPerPixel, 1),
+              {kSubDirectories,
+               4,
+               {},
+               {tiffShort(kSubfileType, 0), tiffShort(kSamplesPerPixel, 3)}}}),
+         rgb},
+        {jpeg(kCamera, {}, 40, 30, 1), gray},
+        {jpeg(kCamera + colour, {}, 40, 30, 1), rgb},
+        {tiffWithXmp("<Camera:BandName><rdf:Seq><rdf:li>Green</rdf:li></rdf:Seq></Camera:BandName>"
+                     "<Camera:CentralWavelength>550.0</Camera:CentralWavelength>"
+                     "<Camera:WavelengthFWHM>40</Camera:WavelengthFWHM>"),
+         {{QStringLiteral("Green"), 550.0, 40.0}}},
+        {tiffWithXmp("<drone-dji:BandName>Blue</drone-dji:BandName>"
+                     "<drone-dji:BandFreq>450(+/-16)nm</drone-dji:BandFreq>"
+                     "<Camera:WavelengthFWHM>16</Camera:WavelengthFWHM>"),
+         {{QStringLiteral("Blue"), 450.0, 32.0}}},
+        {tiffWithXmp("<Camera:BandName>NIR</Camera:BandName>"
+                     "<Camera:CentralWavelength>-1</Camera:CentralWavelength>"),
+         {{QStringLiteral("NIR")}}}};
+    for (const auto& [file, bands] : cases) {
+        const bands_t found = read(file).bands;
+        EXPECT_EQ(found, bands) << qPrintable(found.names().join(QLatin1Char(',')));
+    }
+}
+
+TEST_F(ReadExif, SerialNumbersAreTheTextOfTheirTag)
+{
+    struct Case
+    {
+        Tags tags;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {{{"Exif.Photo.BodySerialNumber", asciiString, " PI04 "}}, "PI04"},
+        {{{"Exif.Photo.BodySerialNumber", asciiString, "-1000f46"}}, "-1000f46"},
+        {{{"Exif.Photo.BodySerialNumber", asciiString, "0"},
+          {"Exif.Image.CameraSerialNumber", undefined, "80 73 50 0"}},
+         "PI2"},
+        {{{"Exif.Photo.BodySerialNumber", asciiString, "000-000"}}, ""},
+        {{{"Exif.Image.Make", asciiString, "Canon"},
+          {"Exif.Canon.SerialNumber", unsignedLong, "3301001380"}},
+         "3301001380"},
+        {{{"Exif.Image.Make", asciiString, "NIKON"},
+          {"Exif.Nikon3.SerialNO", asciiString, "NO= 12ab "}},
+         "12ab"}};
+    for (const Case& c : cases) {
+        const QString path = write(jpeg(c.tags + kCamera));
+        EXPECT_EQ(getSerialNumber(path), QLatin1String(c.expected));
+    }
+    EXPECT_EQ(
+        getSerialNumber(
+            write(jpeg(kCamera, xmpPacket("<aux:SerialNumber>S2.0F</aux:SerialNumber>", "aux")))),
+        QStringLiteral("S2.0F"));
+}
+
+TEST_F(ReadExif, IrradianceIsOneNumberARecord)
+{
+    const auto irradiance = [this](const QByteArray& property, const QByteArray& text) {
+        const QByteArray name = "Camera:" + property;
+        return read(jpeg(kCamera, xmpPacket("<" + name + ">" + text + "</" + name + ">")))
+            .irradiance;
+    };
+    QByteArray record(28, '\7');
+    record[8] = 0x22;
+    record[9] = 0x01;
+    const QByteArray list = (record + record).toBase64();
+    const QByteArray folded = list.left(30) + "\n " + list.mid(30);
+    using testing::ElementsAre;
+    EXPECT_THAT(irradiance("IrradianceList", "\n" + folded), ElementsAre(290.0, 290.0));
+    EXPECT_THAT(irradiance("IrradianceList", record.left(27).toBase64()), ElementsAre());
+    EXPECT_THAT(irradiance("IrradianceList", "$$$$"), ElementsAre());
+    EXPECT_THAT(irradiance("Irradiance", "1.25"), ElementsAre(1.25));
+    EXPECT_THAT(irradiance("Irradiance", "nan"), ElementsAre());
+}
+
+TEST_F(ReadExif, TimesAreTheCamerasOwnClock)
+{
+    struct Case
+    {
+        Tags tags;
+        const char* expected;
+    };
+    const char* original = "Exif.Photo.DateTimeOriginal";
+    const char* changed = "Exif.Image.DateTime";
+    const Case cases[] = {
+        {{{original, asciiString, "    :  :     :  :  "}}, ""},
+        {{{original, asciiString, "0000:00:00 00:00:00"},
+          {changed, asciiString, "2020:01:02 03:04:05"}},
+         "2020-01-02T03:04:05.000Z"},
+        // In many time zones this hour does not exist.
+        {{{original, asciiString, "2020:03:29 02:30:00"}}, "2020-03-29T02:30:00.000Z"},
+        {{{original, asciiString, "2020:01:02 03:04:05"},
+          {changed, asciiString, "2020:01:02 03:04:05"},
+          {"Exif.Photo.SubSecTime", asciiString, "200173789"}},
+         "2020-01-02T03:04:05.200Z"},
+        {{{original, asciiString, "2020:01:02 03:04:05"},
+          {"Exif.Photo.SubSecTimeOriginal", asciiString, "5"}},
+         "2020-01-02T03:04:05.500Z"}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(
+            read(jpeg(kCamera + c.tags)).dateTime.toString(Qt::ISODateWithMs),
+            QLatin1String(c.expected));
+    }
+}
+
+TEST_F(ReadExif, ThreadsReadTheirOwnFiles)
+{
+    std::vector<QString> paths;
+    for (int i = 0; i < 4; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        paths.push_back(write(
+            jpeg(
+                kCamera, xmpPacket(
+                             "<Camera:RigCameraIndex>" + number + "</Camera:RigCameraIndex>",
+                             "Camera", "http://maker.example/" + number)),
+            QString::number(i)));
+    }
+    std::vector<int> wrong(paths.size(), 0);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        threads.emplace_back([&paths, &wrong, i] {
+            for (int repeat = 0; repeat < 50; ++repeat) {
+                ExifInfo exif;
+                QString error;
+                const bool ok = readExif(paths[i], exif, error);
+                wrong[i] += ok && exif.rigCameraIndex == static_cast<int>(i) ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_THAT(wrong, testing::Each(0));
+}
+
+} // namespace
+} // namespace lumo::exif
