@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "identify_command.h"
+
+#include "database.h"
+#include "image_reading.h"
+#include "lumo/core/cameraInfo/image_identification.h"
+#include "lumo/foundation/log.h"
+#include "text_table.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <vector>
+
+namespace lumo::program {
+namespace {
+
+constexpr double kMicrometresPerMillimetre = 1000.0;
+
+QString lensText(LensType type)
+{
+    switch (type) {
+    case LensType::Perspective:
+        return QStringLiteral("perspective");
+    case LensType::Fisheye:
+        return QStringLiteral("fisheye");
+    case LensType::Spherical:
+        return QStringLiteral("spherical");
+    }
+    return {};
+}
+
+QString sourceText(const ImageIdentification& found)
+{
+    return found.source ? text::toString(*found.source) : QStringLiteral("none");
+}
+
+/// The EXIF focal length; a model's own where the image says none.
+double focalLengthMm(const ExifInfo& exif, const ImageIdentification& found)
+{
+    return exif.focalLengthMm > 0.0 ? exif.focalLengthMm
+                                    : found.camera.params.perspective.focalLengthMm;
+}
+
+/// What is shown of a number: as many digits as the evidence carries.
+double rounded(double value)
+{
+    return QString::number(value, 'g', 6).toDouble();
+}
+
+QJsonObject toJson(const QString& file, const ExifInfo& exif, const ImageIdentification& found)
+{
+    const ExifID exifId = exif.exifId();
+    QJsonObject record;
+    record["file"] = file;
+    record["make"] = exif.make;
+    record["model"] = exif.model;
+    record["exifId"] = QJsonArray{exifId.first, exifId.second};
+    record["camera"] = found.modelName;
+    record["serialNumber"] = exif.serialNumber;
+    record["source"] = sourceText(found);
+    record["width"] = static_cast<qint64>(found.width);
+    record["height"] = static_cast<qint64>(found.height);
+    record["nativeWidth"] = static_cast<qint64>(exif.imageWidth);
+    record["nativeHeight"] = static_cast<qint64>(exif.imageHeight);
+    record["pixelSizeUm"] = rounded(found.camera.params.pixelSize * kMicrometresPerMillimetre);
+    record["pixelSizeFrom"] = toString(found.pixelSizeFrom);
+    record["focalLengthMm"] = rounded(focalLengthMm(exif, found));
+    record["lens"] = lensText(found.camera.params.lensType);
+    record["bands"] = QJsonArray::fromStringList(found.camera.bands.names());
+    return record;
+}
+
+QStringList toRow(const QString& file, const ExifInfo& exif, const ImageIdentification& found)
+{
+    const double pixelSizeUm = found.camera.params.pixelSize * kMicrometresPerMillimetre;
+    const double focal = focalLengthMm(exif, found);
+    return {
+        file,
+        exif.make,
+        exif.model,
+        QStringLiteral("%1x%2").arg(found.width).arg(found.height),
+        focal > 0.0 ? QString::number(focal, 'f', 2) : QString(),
+        pixelSizeUm > 0.0 ? QString::number(pixelSizeUm, 'f', 3) : QString(),
+        toString(found.pixelSizeFrom),
+        sourceText(found),
+        found.modelName,
+    };
+}
+
+} // namespace
+
+ExitCode identify(const QStringList& paths, const CommonOptions& options)
+{
+    CameraModelDb database;
+    ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
+    std::vector<QStringList> table{
+        {"file", "make", "model", "size", "focal mm", "pixel um", "from", "source", "camera"}};
+    const auto identifyOne = [&](const QString& file, const ExifInfo& exif) {
+        const ImageIdentification found = identifyImage(exif, database);
+        if (!found.reason.isEmpty()) {
+            log::info() << file << found.reason;
+        }
+        if (options.json) {
+            printJsonLine(toJson(file, exif, found));
+        } else {
+            table.push_back(toRow(file, exif, found));
+        }
+    };
+    const auto fail = [&exitCode, &options](const QString& path, const QString& reason) {
+        sayFailure(path, reason);
+        if (options.json) {
+            printJsonLine({{"file", path}, {"error", reason}});
+        }
+        exitCode = SomethingFailed;
+    };
+    readImages(paths, identifyOne, fail);
+    if (table.size() > 1) {
+        printText(formatTable(table));
+    }
+    return exitCode;
+}
+
+} // namespace lumo::program

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "image_files.h"
+#include "lumo/cameradata/exif_info.h"
+
+#include <QStringList>
+
+#include <functional>
+
+namespace lumo::program {
+
+/// Called for each image file whose metadata were read.
+using ImageRead = std::function<void(const QString& file, const ExifInfo& exif)>;
+
+/// Reads the metadata of the images that the arguments stand for, in order, with
+/// a progress bar on long runs. A file that cannot be read is handed to `failed`
+/// and the rest goes on; Ctrl-C ends the run before the next file, which is said
+/// the same way.
+void readImages(const QStringList& arguments, const ImageRead& read, const PathFailure& failed);
+
+} // namespace lumo::program

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+
+namespace lumo::program {
+
+void sayFailure(const QString& file, const QString& reason)
+{
+    std::fputs(QStringLiteral("lumo: %1: %2\n").arg(file, reason).toUtf8().constData(), stderr);
+}
+
+void printJsonLine(const QJsonObject& object)
+{
+    const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
+    std::fflush(stdout);
+}
+
+void printText(const QString& text)
+{
+    std::fputs(text.toUtf8().constData(), stdout);
+}
+
+} // namespace lumo::program

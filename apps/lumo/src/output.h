@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QString>
+
+class QJsonObject;
+
+namespace lumo::program {
+
+/// What all commands are told on the command line.
+struct CommonOptions
+{
+    bool json = false;
+};
+
+/// Exit codes of the program.
+enum ExitCode : int {
+    AllDone = 0,
+    SomethingFailed = 1,
+    WrongUsage = 2,
+};
+
+/// "lumo: FILE: reason" on the standard error stream.
+void sayFailure(const QString& file, const QString& reason);
+
+/// The object as one line on the standard output stream.
+void printJsonLine(const QJsonObject& object);
+
+void printText(const QString& text);
+
+} // namespace lumo::program

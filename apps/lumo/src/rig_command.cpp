@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "rig_command.h"
+
+#include "database.h"
+#include "image_reading.h"
+#include "lumo/core/cameraInfo/rig_identification.h"
+#include "text_table.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace lumo::program {
+namespace {
+
+/// One capture and what was found of it.
+struct Row
+{
+    const Capture& capture;
+    const RigIdentification& found;
+};
+
+QString fileName(const Capture& capture, std::size_t image)
+{
+    return QFileInfo(capture.images[image].path()).fileName();
+}
+
+QString sourceText(const RigIdentification& found)
+{
+    return found.source ? text::toString(*found.source) : QStringLiteral("none");
+}
+
+QString cameraText(const RigIdentification& found, std::size_t image)
+{
+    const std::size_t camera = found.assignment[image];
+    return camera == npos ? QString() : found.cameraNames[static_cast<int>(camera)];
+}
+
+QJsonObject toJson(const Row& row)
+{
+    const auto& [capture, found] = row;
+    QJsonArray files;
+    QJsonArray assignment;
+    QJsonArray cameras;
+    for (std::size_t i = 0; i < capture.images.size(); ++i) {
+        files.append(capture.images[i].path());
+        if (found.fits) {
+            assignment.append(static_cast<int>(found.assignment[i]));
+            cameras.append(cameraText(found, i));
+        }
+    }
+    QJsonObject record;
+    record["capture"] = capture.id;
+    record["files"] = files;
+    record["rig"] = found.fits ? found.rigName : QString();
+    record["source"] = sourceText(found);
+    record["score"] = found.score;
+    record["assignment"] = assignment;
+    record["cameras"] = cameras;
+    record["serialMatched"] = found.serialMatched;
+    if (!found.fits) {
+        record["reason"] = found.reasons.join(QStringLiteral(" | "));
+    }
+    return record;
+}
+
+/// The file of each camera of the rig; empty where there is none.
+QStringList filesByCamera(const Row& row)
+{
+    QStringList files;
+    for (int i = 0; i < row.found.cameraNames.size(); ++i) {
+        files.append(QString());
+    }
+    for (std::size_t i = 0; i < row.capture.images.size(); ++i) {
+        const std::size_t camera = row.found.assignment[i];
+        if (camera != npos) {
+            files[static_cast<int>(camera)] = fileName(row.capture, i);
+        }
+    }
+    return files;
+}
+
+QJsonObject toMatrixJson(const Row& row)
+{
+    QJsonObject cameras;
+    const QStringList files = filesByCamera(row);
+    for (int i = 0; i < files.size(); ++i) {
+        const QString& name = row.found.cameraNames[i];
+        cameras[name] = files[i].isEmpty() ? QJsonValue() : QJsonValue(files[i]);
+    }
+    return {
+        {"capture", row.capture.id},
+        {"rig", row.found.rigName},
+        {"complete", row.found.fits},
+        {"cameras", cameras}};
+}
+
+/// Captures of cameras that no rig has are counted only.
+void printTable(const std::vector<Row>& rows)
+{
+    const QString sameCapture = QStringLiteral(" ");
+    std::vector<QStringList> table{{"capture", "rig", "source", "score", "camera", "file"}};
+    std::size_t others = 0;
+    for (const Row& row : rows) {
+        if (row.found.rigName.isEmpty()) {
+            ++others;
+            continue;
+        }
+        QStringList cells{
+            row.capture.id, row.found.fits ? row.found.rigName : QStringLiteral("none"),
+            sourceText(row.found), row.found.fits ? QString::number(row.found.score) : QString()};
+        for (std::size_t i = 0; i < row.capture.images.size(); ++i) {
+            table.push_back(
+                cells + QStringList{cameraText(row.found, i), fileName(row.capture, i)});
+            cells = QStringList{sameCapture, sameCapture, sameCapture, sameCapture};
+        }
+    }
+    if (table.size() > 1) {
+        printText(formatTable(table));
+    }
+    if (others > 0) {
+        printText(QStringLiteral("Captures of cameras that no rig has: %1\n").arg(others));
+    }
+}
+
+/// One table for each rig: its captures against its cameras.
+void printMatrices(const std::vector<Row>& rows)
+{
+    std::map<QString, std::vector<QStringList>> tables;
+    for (const Row& row : rows) {
+        if (row.found.rigName.isEmpty()) {
+            continue;
+        }
+        std::vector<QStringList>& table = tables[row.found.rigName];
+        if (table.empty()) {
+            table.push_back(QStringList{row.found.rigName} + row.found.cameraNames);
+        }
+        table.push_back(QStringList{row.capture.id} + filesByCamera(row));
+    }
+    for (const auto& [rig, table] : tables) {
+        printText(formatTable(table) + QLatin1Char('\n'));
+    }
+}
+
+void print(const std::vector<Row>& rows, bool matrix, bool json)
+{
+    if (json) {
+        for (const Row& row : rows) {
+            printJsonLine(matrix ? toMatrixJson(row) : toJson(row));
+        }
+    } else if (matrix) {
+        printMatrices(rows);
+    } else {
+        printTable(rows);
+    }
+}
+
+/// Says each capture that a rig should have fitted; the others were taken by
+/// cameras that no rig has.
+/// \returns whether there was none
+bool sayMismatches(const std::vector<Row>& rows)
+{
+    bool none = true;
+    for (const auto& [capture, found] : rows) {
+        if (!found.fits && !found.rigName.isEmpty()) {
+            sayFailure(capture.id, found.reasons.join(QStringLiteral(" | ")));
+            none = false;
+        }
+    }
+    return none;
+}
+
+} // namespace
+
+ExitCode identifyRigs(const QStringList& paths, bool matrix, const CommonOptions& options)
+{
+    CameraModelDb database;
+    ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
+    std::vector<InputImage> images;
+    readImages(
+        paths,
+        [&images](const QString& file, const ExifInfo& exif) { images.emplace_back(file, exif); },
+        [&exitCode](const QString& path, const QString& reason) {
+            sayFailure(path, reason);
+            exitCode = SomethingFailed;
+        });
+    const std::vector<Capture> captures = groupCaptures(images);
+    const std::vector<RigIdentification> found = lumo::identifyRigs(captures, database);
+    std::vector<Row> rows;
+    for (std::size_t i = 0; i < captures.size(); ++i) {
+        rows.push_back({captures[i], found[i]});
+    }
+    print(rows, matrix, options.json);
+    return sayMismatches(rows) ? exitCode : SomethingFailed;
+}
+
+} // namespace lumo::program

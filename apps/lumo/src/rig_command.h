@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "output.h"
+
+#include <QStringList>
+
+namespace lumo::program {
+
+/// `lumo rig PATH...`: groups images into captures and says which rig took each.
+/// \param matrix  show captures against cameras, with gaps
+[[nodiscard]] ExitCode identifyRigs(
+    const QStringList& paths, bool matrix, const CommonOptions& options);
+
+} // namespace lumo::program

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "program.h"
+
+#include <QJsonDocument>
+#include <QProcess>
+#include <gtest/gtest.h>
+
+std::vector<QJsonObject> ProgramRun::records() const
+{
+    std::vector<QJsonObject> result;
+    for (const QByteArray& line : out.split('\n')) {
+        if (line.isEmpty()) {
+            continue;
+        }
+        const QJsonDocument document = QJsonDocument::fromJson(line);
+        EXPECT_TRUE(document.isObject()) << line.toStdString();
+        result.push_back(document.object());
+    }
+    return result;
+}
+
+ProgramRun runProgram(const QStringList& arguments)
+{
+    constexpr int kTimeoutMs = 60000;
+    QProcess process;
+    process.start(QStringLiteral(LUMO_PROGRAM), arguments);
+    ProgramRun run;
+    if (process.waitForFinished(kTimeoutMs) && process.exitStatus() == QProcess::NormalExit) {
+        run.exitCode = process.exitCode();
+    }
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
+}
+
+QString samplePath(const QString& name)
+{
+    return QStringLiteral(LUMO_SOURCE_DIR "/samples/") + name;
+}
