@@ -274,17 +274,17 @@ def reason_to_leave_out_rig(rows):
         return "a camera without EXIF model, image size or focal length"
     if len({r["camera_index"] for r in rows}) < 2:
         return "a single camera"
-    if all(part.strip() == RECALLED or "suffixes recalled" in part
-           for r in rows for part in r["source"].split(";")):
-        return "recalled alone"
     return None
 
 
 def rig_quality(rows):
     clauses = [clause.strip() for row in rows for clause in row["note"].split(";")]
     doubts = [c for c in clauses if re.search(r"recalled|weak|not confirmed|assumed", c)]
-    if any("recalled" in row["source"] for row in rows):
-        doubts.append("recalled in part")
+    recalled = [
+        part.strip() == RECALLED or "suffixes recalled" in part
+        for row in rows for part in row["source"].split(";")]
+    if any(recalled):
+        doubts.append("recalled alone" if all(recalled) else "recalled in part")
     return "; ".join(dict.fromkeys(doubts))
 
 
@@ -299,9 +299,30 @@ def rig_camera(row):
 
 
 def rig_bands(row):
-    if row["band_name"] == "RGB":
+    if row["band_name"] in ("RGB", "Wide", "Tele", "Zoom"):
         return RGB
     return [(row["band_name"], row["band_centre_nm"], row["fwhm_nm"])]
+
+
+def matching_key(rows):
+    """What rigs are told apart by: identifiers and the names of bands."""
+    return tuple(
+        (rig_camera(row)["exifString"],
+         tuple("".join(band[0].split()).lower() for band in rig_bands(row)))
+        for row in rows)
+
+
+def merge_alike(groups):
+    """Makes one rig, with a name for all, of those that cannot be told apart; its
+    cameras are those of the first."""
+    merged = {}
+    for name, rows in sorted(groups.items()):
+        merged.setdefault(matching_key(rows), []).append((name, rows))
+    for alike in merged.values():
+        maker = alike[0][0].split(" ")[0] + " "
+        names = [alike[0][0]] + [name.removeprefix(maker) for name, _ in alike[1:]]
+        doubt = f"band centres and widths are those of the {alike[0][0]}" if alike[1:] else ""
+        yield " / ".join(names), alike[0][1], doubt
 
 
 def make_rigs(rig_rows):
@@ -314,12 +335,13 @@ def make_rigs(rig_rows):
         rows.sort(key=lambda row: int(row["camera_index"]))
         if reason := reason_to_leave_out_rig(rows):
             print(f"rig left out: {name}: {reason}")
-            continue
+            del groups[name]
+    for name, rows, doubt in merge_alike(groups):
         marked = [index for index, row in enumerate(rows) if row["is_reference"] == "yes"]
         rigs.append({
             "name": name, "detection": "detectionString",
             "referenceCamera": str(marked[0] if marked else 0),
-            "facts": facts_of(rows), "quality": rig_quality(rows)})
+            "facts": facts_of(rows), "quality": "; ".join(filter(None, [rig_quality(rows), doubt]))})
         for index, row in enumerate(rows):
             cameras.append({"rig": name, **rig_camera(row)})
             bands += [
@@ -327,7 +349,7 @@ def make_rigs(rig_rows):
                  "widthNm": band[2]}
                 for band in rig_bands(row)
             ]
-    print(f"{len(rigs)} of {len(groups)} rigs taken")
+    print(f"{len(rigs)} rigs made")
     return rigs, cameras, bands
 
 

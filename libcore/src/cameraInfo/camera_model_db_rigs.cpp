@@ -106,7 +106,7 @@ bool CameraModelDb::findBestRigModel(const rig_filter_t& filter, RigModel& rig) 
     if (!namedRigSuffices && (filter.name.isEmpty() || serialAvail)) {
         scan(*this, filter, best);
     }
-    if (!best.match.matched()) {
+    if (best.stored.rig == nullptr || !best.match.matched()) {
         return false;
     }
     rig = *best.stored.rig;

@@ -3,7 +3,6 @@
 
 #include "cameraInfo/rig_signature.h"
 #include "lumo/core/cameraInfo/camera_model_from_db.h"
-#include "lumo/foundation/text.h"
 
 #include <algorithm>
 #include <functional>
@@ -60,35 +59,33 @@ std::vector<std::size_t> assignImages(const Fits& fits, std::size_t cameraCount)
     return imageOf;
 }
 
-/// Why an image is from none of the rig's cameras.
+bool fitsAny(const RigModel& rig, const rig_camera_filter_t& image)
+{
+    rig_filter_t filter(1, QString(), rig.cameraDetection);
+    filter.cameras[0] = image;
+    return !findFits(rig, filter)[0].empty();
+}
+
+/// Why an image is from none of the rig's cameras: the first property without
+/// which it would fit one.
 QString foreignReason(const RigModel& rig, const rig_camera_filter_t& image, const QString& file)
 {
-    bool knownExif = false;
-    bool knownBands = image.bands.empty();
-    bool knownSerial = image[RigKey::SerialNumber].isEmpty();
-    for (std::size_t j = 0; j < rig.cameraCount(); ++j) {
-        const RigModelCameraAttr& camera = rig.attr(j);
-        if (!text::iequals(camera[RigKey::ExifString], image[RigKey::ExifString])) {
-            continue;
-        }
-        const QString& serial = camera[RigKey::SerialNumber];
-        knownExif = true;
-        knownBands = knownBands || camera.bands().empty() || camera.bands().sameNames(image.bands);
-        knownSerial =
-            knownSerial || serial.isEmpty() || text::iequals(serial, image[RigKey::SerialNumber]);
+    rig_camera_filter_t known = image;
+    known[RigKey::SerialNumber].clear();
+    if (fitsAny(rig, known)) {
+        return QStringLiteral("serial number %1 of %2 is not that of the rig's camera")
+            .arg(image[RigKey::SerialNumber], file);
     }
-    if (!knownExif) {
-        return QStringLiteral("%1 is of another camera").arg(file);
-    }
-    if (!knownBands) {
+    known.bands.clear();
+    if (fitsAny(rig, known)) {
         return QStringLiteral("band %1 of %2 is not one of the rig's")
             .arg(image.bands.names().join(QStringLiteral(", ")), file);
     }
-    if (!knownSerial) {
-        return QStringLiteral("serial number %1 of %2 is not one of the rig's")
-            .arg(image[RigKey::SerialNumber], file);
+    known[RigKey::DetectionString].clear();
+    if (fitsAny(rig, known)) {
+        return QStringLiteral("%1 has the file name of another camera").arg(file);
     }
-    return QStringLiteral("%1 fits none of the rig's cameras").arg(file);
+    return QStringLiteral("%1 is of another camera").arg(file);
 }
 
 } // namespace

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "program.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Rig, ACompleteCaptureIsAssigned)
+{
+    const ProgramRun run = runProgram(
+        {"rig", "--json", samplePath("images/flight_0001_1.tif"),
+         samplePath("images/flight_0001_2.tif"), samplePath("images/flight_0001_3.tif"),
+         samplePath("images/flight_0001_4.tif"), samplePath("images/flight_0001_5.tif")});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    ASSERT_EQ(run.records().size(), 1u);
+    const QJsonObject record = run.records().front();
+    EXPECT_EQ(record["rig"].toString(), "MicaSense RedEdge-M / RedEdge-MX");
+    EXPECT_EQ(record["assignment"].toArray(), (QJsonArray{0, 1, 2, 3, 4}));
+    EXPECT_EQ(record["cameras"].toArray(), (QJsonArray{"Blue", "Green", "Red", "NIR", "Red edge"}));
+    EXPECT_EQ(record["source"].toString(), "internal");
+    EXPECT_FALSE(record.contains("reason"));
+}
+
+TEST(Rig, ALostBandIsSaidAndShownAsAGap)
+{
+    const QTemporaryDir folder;
+    for (const char* name : {"flight_0001_1.tif", "flight_0001_2.tif", "flight_0001_4.tif"}) {
+        ASSERT_TRUE(QFile::copy(samplePath("images/") + name, folder.filePath(name)));
+    }
+    ASSERT_TRUE(QFile::copy(samplePath("images/drone_fc6310.jpg"), folder.filePath("other.jpg")));
+    const ProgramRun run = runProgram({"rig", "--json", folder.path()});
+    EXPECT_EQ(run.exitCode, 1);
+    ASSERT_EQ(run.records().size(), 2u);
+    const QString reason = "MicaSense RedEdge-M / RedEdge-MX: no image of Red, Red edge";
+    EXPECT_TRUE(run.records()[0]["reason"].toString().startsWith(reason));
+    EXPECT_EQ(run.records()[1]["reason"].toString(), "no rig has a camera of this kind");
+    EXPECT_TRUE(run.err.startsWith("lumo: Smp1Capture0001: " + reason.toUtf8()));
+    EXPECT_EQ(run.err.count('\n'), 1);
+
+    const ProgramRun matrix = runProgram({"rig", "--matrix", "--json", folder.path()});
+    const QJsonObject cameras = matrix.records().front()["cameras"].toObject();
+    EXPECT_EQ(cameras["NIR"].toString(), "flight_0001_4.tif");
+    EXPECT_TRUE(cameras["Red edge"].isNull());
+    EXPECT_EQ(cameras.size(), 5);
+}
+
+} // namespace
