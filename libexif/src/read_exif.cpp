@@ -63,7 +63,7 @@ bool readExif(const QString& path, ExifInfo& exif, QString& error)
     if (!openFile(file, error) || !readRawMetadata(path, raw, error)) {
         return false;
     }
-    const TagReader tags(raw, path);
+    const TagReader tags(raw);
     const XmpProperties xmp = readXmp(raw, tags);
     ExifInfo result = makeRecord(raw, tags, xmp);
     const ImageBands found = findBands(tags, xmp, readJpegComponents(file));
@@ -76,6 +76,10 @@ bool readExif(const QString& path, ExifInfo& exif, QString& error)
     if (saysNothing(result, xmp)) {
         error = QStringLiteral("holds no EXIF data");
         return false;
+    }
+    if (!tags.notes().isEmpty()) {
+        log::warning() << path + QStringLiteral(": left out:")
+                       << tags.notes().join(QStringLiteral("; "));
     }
     exif = result;
     return true;

@@ -2,16 +2,13 @@
 #include "tag_reader.h"
 
 #include "exif_text.h"
-#include "lumo/foundation/log.h"
 
 #include <cmath>
-#include <utility>
 
 namespace lumo::exif {
 
-TagReader::TagReader(const RawMetadata& raw, QString path)
+TagReader::TagReader(const RawMetadata& raw)
     : m_raw(raw)
-    , m_path(std::move(path))
 {}
 
 const TagValue* TagReader::find(const char* key) const
@@ -57,7 +54,10 @@ double TagReader::positive(const char* key, double max) const
 
 void TagReader::warn(const QString& field, const QString& reason) const
 {
-    log::warning() << m_path + QStringLiteral(": %1: %2").arg(field, reason);
+    const QString note = field + QStringLiteral(": ") + reason;
+    if (!m_notes.contains(note)) {
+        m_notes.append(note);
+    }
 }
 
 } // namespace lumo::exif

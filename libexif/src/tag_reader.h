@@ -4,18 +4,18 @@
 #include "raw_metadata.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
 namespace lumo::exif {
 
-/// Checked access to the tags of one file. What is dropped is logged as a
-/// warning with the file's path and the field. Refers to the metadata it is
-/// made of.
+/// Checked access to the tags of one file. It notes what is dropped. Refers to the
+/// metadata it is made of; used by one thread.
 class TagReader
 {
 public:
-    TagReader(const RawMetadata& raw, QString path);
+    explicit TagReader(const RawMetadata& raw);
 
     /// A tag's text, cleaned; empty if there is none.
     [[nodiscard]] QString text(const char* key) const;
@@ -29,11 +29,15 @@ public:
     /// The tag as it stands; null if there is none.
     [[nodiscard]] const TagValue* find(const char* key) const;
 
+    /// Notes that a field is dropped, once for each reason.
     void warn(const QString& field, const QString& reason) const;
+
+    /// What was noted: "<field>: <reason>".
+    [[nodiscard]] const QStringList& notes() const { return m_notes; }
 
 private:
     const RawMetadata& m_raw;
-    QString m_path;
+    mutable QStringList m_notes;
 };
 
 } // namespace lumo::exif

@@ -8,6 +8,10 @@ namespace {
 
 QString printable(QString cell)
 {
+    constexpr int kMaxLength = 100;
+    if (cell.size() > kMaxLength) {
+        cell = cell.left(kMaxLength - 3) + QStringLiteral("...");
+    }
     for (QChar& character : cell) {
         if (character.category() == QChar::Other_Control) {
             character = QLatin1Char('?');
