@@ -6,6 +6,8 @@
 
 #include <QRegularExpression>
 
+#include <array>
+#include <cmath>
 #include <initializer_list>
 
 namespace lumo::exif {
@@ -142,19 +144,42 @@ QDateTime dateTime(const TagReader& tags)
     return {};
 }
 
-std::optional<int> rigCameraIndex(const XmpProperties& xmp, const TagReader& tags)
+/// A camera's number within a rig.
+std::optional<int> cameraIndex(
+    const char* property, const XmpProperties& xmp, const TagReader& tags)
 {
-    constexpr const char* kProperty = "Camera:RigCameraIndex";
-    if (!xmp.contains(kProperty)) {
+    if (!xmp.contains(property)) {
         return std::nullopt;
     }
     bool ok = false;
-    const int index = text::fromString<int>(xmp.text(kProperty), &ok);
+    const int index = text::fromString<int>(xmp.text(property), &ok);
     if (!ok || index < 0 || index > kMaxRigCameraIndex) {
-        tags.warn(QLatin1String(kProperty), QStringLiteral("not an index"));
+        tags.warn(QLatin1String(property), QStringLiteral("not an index"));
         return std::nullopt;
     }
     return index;
+}
+
+std::optional<std::array<double, 3>> rigRelatives(const XmpProperties& xmp, const TagReader& tags)
+{
+    constexpr const char* kProperty = "Camera:RigRelatives";
+    constexpr double kMaxDegrees = 360.0;
+    if (!xmp.contains(kProperty)) {
+        return std::nullopt;
+    }
+    // One text "x, y, z", or a list of three.
+    const QStringList texts = xmp.values(kProperty).join(QLatin1Char(',')).split(QLatin1Char(','));
+    std::array<double, 3> angles{};
+    bool ok = texts.size() == static_cast<int>(angles.size());
+    for (std::size_t i = 0; ok && i < angles.size(); ++i) {
+        angles[i] = text::fromString<double>(texts[static_cast<int>(i)], &ok);
+        ok = ok && std::abs(angles[i]) <= kMaxDegrees;
+    }
+    if (!ok) {
+        tags.warn(QLatin1String(kProperty), QStringLiteral("not three angles"));
+        return std::nullopt;
+    }
+    return angles;
 }
 
 QString captureId(const XmpProperties& xmp)
@@ -192,7 +217,9 @@ ExifInfo makeRecord(const RawMetadata& raw, const TagReader& tags, const XmpProp
     exif.dateTime = dateTime(tags);
     exif.captureId = captureId(xmp);
     exif.rigName = xmp.text("Camera:RigName");
-    exif.rigCameraIndex = rigCameraIndex(xmp, tags);
+    exif.rigCameraIndex = cameraIndex("Camera:RigCameraIndex", xmp, tags);
+    exif.rigRelatives = rigRelatives(xmp, tags);
+    exif.rigReferenceIndex = cameraIndex("Camera:RigRelativesReferenceRigCameraIndex", xmp, tags);
     exif.irradiance = findIrradiance(xmp, tags);
     return exif;
 }

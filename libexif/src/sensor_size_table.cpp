@@ -17,11 +17,17 @@ SensorSizes load()
     return sizes;
 }
 
+const SensorSizes& table()
+{
+    static const SensorSizes sizes = load();
+    return sizes;
+}
+
 } // namespace
 
 std::optional<SensorSize> findSensorSize(const QString& make, const QString& model)
 {
-    static const SensorSizes sizes = load();
+    const SensorSizes& sizes = table();
     const QString simplified = model.simplified();
     const QString otherMake = simplified.section(QLatin1Char(' '), 0, 0);
     const QString otherModel = simplified.section(QLatin1Char(' '), 1);
@@ -32,6 +38,23 @@ std::optional<SensorSize> findSensorSize(const QString& make, const QString& mod
         }
     }
     return std::nullopt;
+}
+
+std::optional<SensorSize> findSensorSize(const QString& model)
+{
+    const SensorSizes& sizes = table();
+    std::optional<SensorSize> size;
+    for (auto entry = sizes.constBegin(); entry != sizes.constEnd(); ++entry) {
+        const QString make = entry.key().section(QLatin1Char('/'), 0, 0);
+        if (entry.key() != sensorSizeKey(make, model)) {
+            continue;
+        }
+        if (size && *size != *entry) {
+            return std::nullopt;
+        }
+        size = *entry;
+    }
+    return size;
 }
 
 } // namespace lumo::exif

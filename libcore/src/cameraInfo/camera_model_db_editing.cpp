@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cameraInfo/camera_table.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
-#include "lumo/foundation/log.h"
+#include "lumo/core/cameraInfo/lumo_camera_db_io.h"
 
 namespace lumo {
 namespace {
@@ -110,11 +110,9 @@ bool CameraModelDb::setMapping(const QString& exifId, const QString& cameraName,
     return !save || saveUserDb();
 }
 
-bool CameraModelDb::saveUserDb() const
+bool CameraModelDb::saveUserDb()
 {
-    log::important() << "The user camera database cannot be saved: this version keeps it in memory "
-                        "only";
-    return false;
+    return CameraDbIo(*this).saveUserXML();
 }
 
 } // namespace lumo

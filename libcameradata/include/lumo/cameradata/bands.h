@@ -9,6 +9,9 @@
 #include <cstddef>
 #include <vector>
 
+class QDomElement;
+class QXmlStreamWriter;
+
 namespace lumo {
 
 /// One spectral band of an image.
@@ -68,6 +71,13 @@ public:
     /// \param verbose  say why in `error`; otherwise it is left alone
     /// \param allowEmpty  whether no band at all is valid
     [[nodiscard]] bool valid(QString& error, bool checkBands, bool verbose, bool allowEmpty) const;
+
+    /// Writes one element "band" a band into the element that is open, with the
+    /// attributes name, wavelength, width and weight (10 digits).
+    void saveXML(QXmlStreamWriter& writer) const;
+
+    /// Takes the bands of an element that saveXML wrote into, in place of these.
+    void readXML(const QDomElement& element);
 
     /// Equal band by band, in order.
     bool operator==(const bands_t&) const = default;

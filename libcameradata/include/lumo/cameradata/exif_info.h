@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QString>
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <vector>
@@ -65,6 +66,9 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
     QString captureId;       ///< the same for all images of one capture of a rig
     QString rigName;
     std::optional<int> rigCameraIndex;
+    /// Rotation relative to the rig's reference camera about x, y and z (degrees).
+    std::optional<std::array<double, 3>> rigRelatives;
+    std::optional<int> rigReferenceIndex; ///< camera index that rigRelatives refer to
     std::vector<double>
         irradiance; ///< readings of a light sensor, in the file's own unit and order
 

@@ -33,4 +33,8 @@ struct SensorSize
 [[nodiscard]] LUMO_EXIF_EXPORT std::optional<SensorSize> findSensorSize(
     const QString& make, const QString& model);
 
+/// Likewise where the maker is not known: nothing unless all makers that have a
+/// model of this name (without their own name before it) agree on its size.
+[[nodiscard]] LUMO_EXIF_EXPORT std::optional<SensorSize> findSensorSize(const QString& model);
+
 } // namespace lumo::exif

@@ -147,7 +147,7 @@ public:
 
 private:
     /// Writes the user file; false, and logged, if that cannot be done.
-    [[nodiscard]] bool saveUserDb() const;
+    [[nodiscard]] bool saveUserDb();
 
     CameraDbSettings m_settings;
     bool m_userEnabled = true;

@@ -13,6 +13,9 @@
 #include <limits>
 #include <vector>
 
+class QDomElement;
+class QXmlStreamWriter;
+
 namespace lumo {
 
 /// No index, or nothing found.
@@ -92,6 +95,17 @@ struct LUMO_CORE_EXPORT CameraModelFromDB
     ///     fixed bands that they need nothing from their configuration; fixed
     ///     bands that fit no configuration count as contained
     [[nodiscard]] bool contains(const CameraData& camera, bool strict) const;
+
+    /// Writes an element "camera" with all fields. The default configuration
+    /// stands first, so reading makes it number 0; the identifier is left out if
+    /// it equals the name.
+    void saveXML(QXmlStreamWriter& writer) const;
+
+    /// Takes all fields from an element that saveXML wrote; what is missing is
+    /// empty, but the identifier stays as it is. Configurations without bands are
+    /// left out; without any there is one of RGB.
+    /// \param version  of the document around it; all so far are read alike
+    void readXML(const QDomElement& element, std::size_t version);
 
 private:
     [[nodiscard]] bool valid(

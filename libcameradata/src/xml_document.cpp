@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/cameradata/xml_document.h"
+
+#include "lumo/cameradata/xml_values.h"
+
+#include <QBuffer>
+#include <QDomDocument>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+
+namespace lumo::xml {
+namespace {
+
+enum class Encoding { Declared, Ignored };
+
+QString atLine(qint64 line, const QString& reason)
+{
+    return QStringLiteral("line %1: %2").arg(line).arg(reason);
+}
+
+QString atPosition(const QByteArray& bytes, int position, const QString& reason)
+{
+    return atLine(1 + std::count(bytes.begin(), bytes.begin() + position, '\n'), reason);
+}
+
+/// The place of the first attribute too many of an element; -1 if there is none.
+/// The parser compares each attribute of an element with all others, so this has
+/// to be known before. Comments and the like do not count.
+int findAttributeTooMany(const QByteArray& bytes)
+{
+    enum class State { Outside, TagOpened, InTag, InDouble, InSingle };
+    State state = State::Outside;
+    int count = 0;
+    for (int i = 0; i < bytes.size(); ++i) {
+        const char c = bytes[i];
+        if (c == '<') { // no attribute value holds it: in step again after anything
+            state = State::TagOpened;
+            count = 0;
+        } else if (state == State::TagOpened) {
+            state = c == '!' || c == '?' ? State::Outside : State::InTag;
+        } else if (state == State::InTag) {
+            count += c == '=' ? 1 : 0;
+            state = c == '>'    ? State::Outside
+                    : c == '"'  ? State::InDouble
+                    : c == '\'' ? State::InSingle
+                                : State::InTag;
+        } else if (
+            (state == State::InDouble && c == '"') || (state == State::InSingle && c == '\'')) {
+            state = State::InTag;
+        }
+        if (count > kMaxAttributes) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+/// The place of a document type declaration with more than a name; -1 if there
+/// is none. It stands before the first element, after declaration and comments.
+int findRichDoctype(const QByteArray& bytes)
+{
+    int i = bytes.indexOf('<');
+    while (i >= 0) {
+        if (bytes.mid(i, 4) == "<!--") {
+            i = bytes.indexOf("-->", i + 4);
+        } else if (bytes.mid(i, 2) == "<?") {
+            i = bytes.indexOf("?>", i + 2);
+        } else {
+            break;
+        }
+        i = i < 0 ? -1 : bytes.indexOf('<', i);
+    }
+    if (i < 0 || bytes.mid(i, 2) != "<!") {
+        return -1;
+    }
+    static const QRegularExpression plain(
+        QStringLiteral("\\A<!DOCTYPE[ \\t\\r\\n]+[^ \\t\\r\\n<>\\[\\]\"'%&;]+[ \\t\\r\\n]*>"));
+    constexpr int kLongestDoctype = 1024;
+    return plain.match(QString::fromLatin1(bytes.mid(i, kLongestDoctype))).hasMatch() ? -1 : i;
+}
+
+/// What can be told from the bytes, before a parser sees them.
+bool checkBytes(const QByteArray& bytes, QString& error)
+{
+    // A NUL also tells 16 and 32 bit encodings, whose bytes mean something else.
+    const int nul = bytes.indexOf('\0');
+    if (nul >= 0) {
+        error = atPosition(bytes, nul, QStringLiteral("a NUL character; UTF-8 is expected"));
+        return false;
+    }
+    const int doctype = findRichDoctype(bytes);
+    if (doctype >= 0) {
+        error = atPosition(
+            bytes, doctype,
+            QStringLiteral("a document type declaration with more than a name is not read"));
+        return false;
+    }
+    const int attribute = findAttributeTooMany(bytes);
+    if (attribute >= 0) {
+        error = atPosition(
+            bytes, attribute,
+            QStringLiteral("an element with more than %1 attributes").arg(kMaxAttributes));
+        return false;
+    }
+    return true;
+}
+
+/// In which the bytes of the markup are those of ASCII, as checkBytes expects.
+bool encodingRead(const QStringRef& name)
+{
+    static const QStringList read{
+        QString(), QStringLiteral("UTF-8"), QStringLiteral("US-ASCII"),
+        QStringLiteral("ISO-8859-1"), QStringLiteral("windows-1252")};
+    return read.contains(name.toString(), Qt::CaseInsensitive);
+}
+
+bool attributeTooLong(const QXmlStreamReader& reader)
+{
+    const QXmlStreamAttributes attributes = reader.attributes();
+    return std::any_of(attributes.begin(), attributes.end(), [](const auto& attribute) {
+        return attribute.value().size() > kMaxTextLength;
+    });
+}
+
+/// Walks through an input with limits on depth and lengths.
+class Walk
+{
+public:
+    explicit Walk(QXmlStreamReader& reader, Encoding encoding)
+        : m_reader(reader)
+        , m_encoding(encoding)
+    {}
+
+    [[nodiscard]] bool run(QString& error)
+    {
+        while (!m_reader.atEnd()) {
+            m_reader.readNext();
+            const QString reason = fault();
+            if (!reason.isEmpty()) {
+                error = atLine(m_reader.lineNumber(), reason);
+                return false;
+            }
+        }
+        if (m_reader.hasError()) {
+            error = atLine(m_reader.lineNumber(), m_reader.errorString());
+            return false;
+        }
+        return true;
+    }
+
+private:
+    /// Why the current token is refused; empty if it is not.
+    [[nodiscard]] QString fault()
+    {
+        switch (m_reader.tokenType()) {
+        case QXmlStreamReader::StartDocument:
+            if (m_encoding == Encoding::Declared && !encodingRead(m_reader.documentEncoding())) {
+                return QStringLiteral("encoding %1 is not read")
+                    .arg(m_reader.documentEncoding().toString());
+            }
+            break;
+        case QXmlStreamReader::StartElement:
+            m_textLength = 0;
+            if (++m_depth > kMaxDepth) {
+                return QStringLiteral("elements are nested deeper than %1").arg(kMaxDepth);
+            }
+            if (attributeTooLong(m_reader)) {
+                return QStringLiteral("an attribute is longer than %1 characters")
+                    .arg(kMaxTextLength);
+            }
+            break;
+        case QXmlStreamReader::EndElement:
+            m_textLength = 0;
+            --m_depth;
+            break;
+        default:
+            m_textLength += m_reader.text().size(); // parts of one text add up
+            if (m_textLength > kMaxTextLength) {
+                return QStringLiteral("a text is longer than %1 characters").arg(kMaxTextLength);
+            }
+        }
+        return {};
+    }
+
+    QXmlStreamReader& m_reader;
+    Encoding m_encoding;
+    int m_depth = 0;
+    qint64 m_textLength = 0;
+};
+
+bool check(QXmlStreamReader& reader, Encoding encoding, QString& error)
+{
+    reader.setNamespaceProcessing(false);
+    return Walk(reader, encoding).run(error);
+}
+
+bool build(QXmlStreamReader& reader, QDomDocument& document, QString& error)
+{
+    QDomDocument built;
+    QString reason;
+    int line = 0;
+    if (!built.setContent(&reader, false, &reason, &line)) {
+        error = atLine(line, reason);
+        return false;
+    }
+    document = built;
+    return true;
+}
+
+} // namespace
+
+bool checkXml(const QByteArray& bytes, QString& error)
+{
+    if (!checkBytes(bytes, error)) {
+        return false;
+    }
+    // From a device the reader decodes block by block, from an array all at once.
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QXmlStreamReader reader(&buffer);
+    return check(reader, Encoding::Declared, error);
+}
+
+bool domFromBytes(const QByteArray& bytes, QDomDocument& document, QString& error)
+{
+    if (!checkXml(bytes, error)) {
+        return false;
+    }
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QXmlStreamReader reader(&buffer);
+    return build(reader, document, error);
+}
+
+bool domFromString(const QString& text, QDomDocument& document, QString& error)
+{
+    // A half of a surrogate pair would be lost on the way to bytes.
+    const int invalid = findInvalidCharacter(text);
+    if (invalid >= 0) {
+        error = atLine(
+            1 + text.leftRef(invalid).count(QLatin1Char('\n')),
+            QStringLiteral("character %1 is not allowed").arg(invalidCharacter(text)));
+        return false;
+    }
+    if (!checkBytes(text.toUtf8(), error)) {
+        return false;
+    }
+    QXmlStreamReader checked(text);
+    if (!check(checked, Encoding::Ignored, error)) {
+        return false;
+    }
+    QXmlStreamReader reader(text);
+    return build(reader, document, error);
+}
+
+bool domFromFile(const QString& path, QDomDocument& document, QString& error)
+{
+    constexpr qint64 kMaxBytes = qint64{1} << 30;
+    const auto fail = [&](const QString& reason) {
+        error = QStringLiteral("%1: %2").arg(path, reason);
+        return false;
+    };
+    QFile file(path);
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) {
+        return fail(QStringLiteral("not a regular file"));
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        return fail(file.errorString());
+    }
+    if (file.size() > kMaxBytes) {
+        return fail(QStringLiteral("larger than %1 bytes").arg(kMaxBytes));
+    }
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        return fail(file.errorString());
+    }
+    QString reason;
+    return domFromBytes(bytes, document, reason) || fail(reason);
+}
+
+} // namespace lumo::xml

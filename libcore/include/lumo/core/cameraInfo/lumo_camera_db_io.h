@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/export.h"
+
+#include <QString>
+
+namespace lumo {
+
+class CameraModelDb;
+namespace cameradb {
+struct CameraDBData;
+}
+
+/// Moves the camera database between a store and its files, as the store's
+/// settings say. The store must outlive it. Failures are logged.
+class LUMO_CORE_EXPORT CameraDbIo
+{
+public:
+    explicit CameraDbIo(CameraModelDb& database);
+
+    /// Loads the internal tables, the user tables or both (an empty name: not
+    /// that one) in place of what the store holds of them. Tables whose load
+    /// fails are left empty.
+    [[nodiscard]] bool loadXML(const QString& internalFile, const QString& userFile);
+
+    /// Merges a user document into the user tables.
+    /// \param overwrite  its entries replace those of the same name
+    [[nodiscard]] bool addUserXML(const QString& file, bool overwrite);
+
+    /// Brings the newest user file of an older version to the current one, saves
+    /// it there and loads it. False if there is none, or that failed.
+    [[nodiscard]] bool loadAndSavePreviousUserXML();
+
+    /// Loads the internal tables from a text database (empty: the shipped one)
+    /// and writes the internal file, whose hash the settings keep.
+    [[nodiscard]] bool loadAndSaveInternalTextDB(const QString& textFile);
+
+    /// Loads a text database into the user's or the internal tables, in place of
+    /// what they hold.
+    [[nodiscard]] bool loadTextDB(const QString& textFile, bool userDatabase);
+
+    /// Writes the user tables to the user file of the current version.
+    [[nodiscard]] bool saveUserXML() const;
+
+    [[nodiscard]] bool exportUserXML(const QString& file) const;
+
+    /// Empties the user tables and, if they held anything, saves.
+    [[nodiscard]] bool clearUserXML();
+
+private:
+    [[nodiscard]] bool loadXMLPrivate(
+        const QString& file, bool userDatabase, std::size_t& version, bool merge, bool overwrite);
+    [[nodiscard]] bool exportXML(const QString& file, bool internalOnly, unsigned& hash) const;
+    [[nodiscard]] bool convertUserFile(std::size_t version) const;
+
+    CameraModelDb& m_database;
+};
+
+/// Whether a file satisfies the schema of the current format. Says why not in
+/// the log, at debug level.
+[[nodiscard]] LUMO_CORE_EXPORT bool hasDbLastestFormat(const QString& file);
+
+/// Fills a store at the start of a program: carries an older user file forward,
+/// loads the internal file (making it anew from the shipped text database if it
+/// is missing, old or was edited), then the user file. A user file that does not
+/// load makes the user database read-only, so that nothing overwrites it.
+/// \param[out] error  on failure what failed, else untouched
+/// \returns false if the internal tables are empty or the user file did not load
+[[nodiscard]] LUMO_CORE_EXPORT bool loadCameraDatabases(CameraModelDb& database, QString& error);
+
+} // namespace lumo

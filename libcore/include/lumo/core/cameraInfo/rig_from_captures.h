@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/cameraInfo/captures.h"
+#include "lumo/core/cameraInfo/rig_model.h"
+#include "lumo/core/export.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace lumo {
+
+class CameraModelDb;
+
+/// A rig model from the metadata of its own images.
+///
+/// The cameras are those of the captures with the most images, in their order:
+/// EXIF strings, serial numbers and bands as makeCaptureFilter gives them, and
+/// where the metadata name neither band nor camera the end of the file name. The
+/// poses are the rotations in the metadata, with tolerances of 5 degrees; without
+/// any they are zero. The reference camera is the one that the metadata name, else
+/// the first.
+/// \param[out] rig    replaced on success, untouched on failure
+/// \param[out] error  on failure why, else untouched: no capture of two images or
+///     more, two cameras that cannot be told apart, or captures that disagree
+[[nodiscard]] LUMO_CORE_EXPORT bool makeRigFromCaptures(
+    const std::vector<Capture>& captures, const CameraModelDb& database, const QString& name,
+    RigModel& rig, QString& error);
+
+} // namespace lumo

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/export.h"
+
+#include <QString>
+
+#include <map>
+#include <memory>
+
+namespace lumo {
+
+/// The elements of six complex types of a project schema: from each element's
+/// name to its position among the names of its type, in the order in which the
+/// schema lists them, from 0. A name listed again takes as its position the
+/// number of names before it. The maps are empty for a type that the schema
+/// does not declare, or declares with other attributes than its name alone.
+class LUMO_CORE_EXPORT XsdTypeElementIndex
+{
+public:
+    using Positions = std::map<QString, int>;
+
+    /// Reads the schema; the file stays open as long as the index lives.
+    /// \throws std::runtime_error "Xsd file could not be opened", "Error parsing
+    ///     XSD. Start of document not found", or "Error parsing XSD. line L: reason"
+    explicit XsdTypeElementIndex(const QString& xsdFile);
+    XsdTypeElementIndex(const XsdTypeElementIndex&) = delete;
+    XsdTypeElementIndex& operator=(const XsdTypeElementIndex&) = delete;
+    ~XsdTypeElementIndex();
+
+    [[nodiscard]] const Positions& imageElements() const;
+    [[nodiscard]] const Positions& cameraElements() const;
+    [[nodiscard]] const Positions& indexOptionsElements() const;
+    [[nodiscard]] const Positions& orthoOptionsElements() const;
+    [[nodiscard]] const Positions& denseOptionsElements() const;
+    [[nodiscard]] const Positions& initialOptionsElements() const;
+
+private:
+    class State;
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace lumo

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/xml/xml_conversion.h"
+
+namespace lumo {
+
+/// The step that a stylesheet performs.
+///
+/// A stylesheet whose root says version="1.0" runs in libxslt, any other as
+/// XSLT 2.0 in Qt's engine. Neither reaches the network or any file but the
+/// stylesheet itself: document() fails, and xsl:import and xsl:include fail in
+/// libxslt and do nothing in Qt's engine, which does not know xsl:message
+/// either. Documents that xml::checkXml refuses are refused here too.
+class LUMO_CORE_EXPORT XsltConverter : public IXmlConversion
+{
+public:
+    XsltConverter();
+    ~XsltConverter() override;
+
+    void setXsdFile(const QString& xsdFile) override; ///< kept, not used
+    void setXslFile(const QString& xslFile) override;
+
+    /// \returns a UTF-8 XML declaration, a line feed, and the result
+    /// \throws std::runtime_error "Cannot transform XML using XSLT"; the reason
+    ///     is logged as a warning
+    [[nodiscard]] QByteArray convert(QIODevice* input) override;
+
+private:
+    QString m_xslFile;
+    QString m_xsdFile;
+};
+
+} // namespace lumo

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/core/xml/camera_db_converter.h"
+
+#include "lumo/cameradata/xml_document.h"
+#include "lumo/cameradata/xml_values.h"
+#include "lumo/core/xml/xml_conversion.h"
+#include "lumo/foundation/file.h"
+#include "lumo/foundation/log.h"
+#include "lumo/foundation/system.h"
+
+#include <QBuffer>
+#include <QDomDocument>
+#include <QFile>
+
+#include <array>
+#include <deque>
+#include <stdexcept>
+
+namespace lumo {
+namespace {
+
+/// One step of the chain. File names are below the application directory.
+struct Step
+{
+    int below; ///< needed for documents of a version below this one
+    const char* label;
+    const char* key;
+    const char* xsdFile;
+    const char* xslFile;
+};
+
+constexpr std::array<Step, 3> kSteps{{
+    {17, "old versions (<= 16) -> 17", "CamDB16_17", "", ""},
+    {18, "17 -> 18", "Xslt", "/resources/xsd/camDB_2_1.xsd", "/resources/xsl/camdb_17_18.xsl"},
+    {19, "18 -> 19", "Xslt", "/resources/xsd/camDB_2_2.xsd", "/resources/xsl/camdb_18_19.xsl"},
+}};
+
+QString installed(const char* name)
+{
+    return *name == '\0' ? QString() : system::applicationDirectory() + QLatin1String(name);
+}
+
+int versionOf(const QDomElement& root)
+{
+    return xml::hasValue(root, QStringLiteral("version.value"))
+               ? xml::readValue(root, QStringLiteral("version.value"), 0)
+               : xml::readTag(root, QStringLiteral("version"), 0);
+}
+
+QByteArray run(const Step& step, const QByteArray& document)
+{
+    log::important() << step.label;
+    const auto conversion = extensibleFactoryInstance<IXmlConversion>().create(step.key);
+    conversion->setXsdFile(installed(step.xsdFile));
+    conversion->setXslFile(installed(step.xslFile));
+    QBuffer input;
+    input.setData(document);
+    if (!input.open(QIODevice::ReadOnly)) {
+        throw std::runtime_error("the document cannot be read from memory");
+    }
+    return conversion->convert(&input);
+}
+
+QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw std::runtime_error(file.errorString().toStdString());
+    }
+    const QByteArray content = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        throw std::runtime_error(file.errorString().toStdString());
+    }
+    return content;
+}
+
+} // namespace
+
+class CameraDbConverter::Impl
+{
+public:
+    QString inputFile;
+    int version = 0;
+    std::deque<const Step*> steps; ///< still to be done, first to last
+
+    void plan();
+    void readVersion();
+};
+
+void CameraDbConverter::Impl::readVersion()
+{
+    QDomDocument document;
+    QString error;
+    if (!xml::domFromFile(inputFile, document, error)) {
+        log::warning() << error;
+        throw std::runtime_error("CameraDbConverter - Could not read XML from input file");
+    }
+    const QDomElement root = document.firstChildElement(QStringLiteral("cameraModelDB"));
+    if (root.isNull()) {
+        throw std::runtime_error("CameraDbConverter - Invalid first line in XML file");
+    }
+    version = versionOf(root);
+}
+
+void CameraDbConverter::Impl::plan()
+{
+    for (const Step& step : kSteps) {
+        if (version < step.below) {
+            steps.push_back(&step);
+        }
+    }
+}
+
+CameraDbConverter::CameraDbConverter(const QString& inputFile)
+    : m_impl(std::make_unique<Impl>())
+{
+    m_impl->inputFile = inputFile;
+    m_impl->readVersion();
+    m_impl->plan();
+}
+
+CameraDbConverter::~CameraDbConverter() = default;
+
+bool CameraDbConverter::needsConvertion() const
+{
+    return !m_impl->steps.empty();
+}
+
+bool CameraDbConverter::convert(const QString& outputFile)
+{
+    if (m_impl->steps.empty()) {
+        return false;
+    }
+    try {
+        QByteArray document = readAll(m_impl->inputFile);
+        for (const Step* step : m_impl->steps) {
+            document = run(*step, document);
+        }
+        QString error;
+        if (!file::replaceAtomically(outputFile, document, error)) {
+            log::important() << error;
+            return false;
+        }
+    } catch (const std::runtime_error& fault) {
+        const QString reason = QString::fromUtf8(fault.what());
+        log::important() << QStringLiteral("Failure converting kpx file [") + m_impl->inputFile +
+                                QStringLiteral("] to [") + outputFile + QStringLiteral("]. ") +
+                                reason;
+        return false;
+    }
+    m_impl->steps.clear();
+    return true;
+}
+
+} // namespace lumo

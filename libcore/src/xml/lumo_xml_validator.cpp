@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/core/xml/lumo_xml_validator.h"
+
+#include "lumo/cameradata/xml_document.h"
+#include "lumo/foundation/file.h"
+#include "lumo/foundation/log.h"
+#include "lumo/foundation/system.h"
+#include "xml/restricted_network.h"
+
+#include <QAbstractMessageHandler>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSourceLocation>
+#include <QUrl>
+#include <QXmlSchema>
+#include <QXmlSchemaValidator>
+
+#include <algorithm>
+
+namespace lumo {
+
+QString getCurrentXsdPath()
+{
+    const QDir folder(file::join(system::applicationDirectory(), QStringLiteral("resources/xsd")));
+    if (!folder.exists()) {
+        return {};
+    }
+    const QStringList names = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    if (names.isEmpty()) {
+        return {};
+    }
+    std::vector<int> numbers;
+    for (const QString& name : names) {
+        numbers.push_back(name.toInt());
+    }
+    const int largest = *std::max_element(numbers.begin(), numbers.end());
+    return folder.absoluteFilePath(QString::number(largest));
+}
+
+namespace xml {
+
+namespace {
+
+/// The validator marks its messages up as HTML.
+QString withoutMarkup(QString text)
+{
+    static const QRegularExpression tag(QStringLiteral("<[^>]*>"));
+    text.remove(tag);
+    text.replace(QLatin1String("&lt;"), QLatin1String("<"));
+    text.replace(QLatin1String("&gt;"), QLatin1String(">"));
+    text.replace(QLatin1String("&quot;"), QLatin1String("\""));
+    text.replace(QLatin1String("&amp;"), QLatin1String("&"));
+    return text;
+}
+
+} // namespace
+
+/// Passes what the validator has to say to the log, at level Debug. Keeps nothing.
+class EmptyMessageHandler : public QAbstractMessageHandler
+{
+protected:
+    void handleMessage(
+        QtMsgType type, const QString& description, const QUrl& /*identifier*/,
+        const QSourceLocation& location) override
+    {
+        const QString text = QStringLiteral("XSD Validation - description: ") + description +
+                             QStringLiteral("\ntype: ") + QString::number(type) +
+                             QStringLiteral("\nlocation: ") + location.uri().toString() +
+                             QStringLiteral(" line: ") + QString::number(location.line()) +
+                             QStringLiteral(" column: ") + QString::number(location.column());
+        log::debug() << text;
+    }
+};
+
+/// Also keeps the first message, as "line L, column C: text" without markup.
+class FirstMessageHandler : public EmptyMessageHandler
+{
+public:
+    QString first;
+
+protected:
+    void handleMessage(
+        QtMsgType type, const QString& description, const QUrl& identifier,
+        const QSourceLocation& location) override
+    {
+        EmptyMessageHandler::handleMessage(type, description, identifier, location);
+        if (!first.isEmpty()) {
+            return;
+        }
+        if (location.line() > 0) {
+            first =
+                QStringLiteral("line %1, column %2: ").arg(location.line()).arg(location.column());
+        }
+        first += withoutMarkup(description);
+    }
+};
+
+class XmlValidator::Impl
+{
+public:
+    Impl();
+
+    [[nodiscard]] bool load(const QString& path);
+    [[nodiscard]] bool validate(const QByteArray& document, const QUrl& uri);
+    /// The content of a file if it is XML that may be looked at further.
+    [[nodiscard]] bool read(const QString& path, QByteArray& content);
+    void report(const QString& description, const QUrl& uri);
+
+    RestrictedNetwork schemaAccess{RestrictedNetwork::Access::LocalFiles};
+    RestrictedNetwork documentAccess{RestrictedNetwork::Access::None};
+    QXmlSchema schema;
+    FirstMessageHandler handler;
+    std::unique_ptr<QXmlSchemaValidator> validator; ///< null until a schema was loaded
+    QString xsdPath;                                ///< of the schema loaded last
+};
+
+XmlValidator::Impl::Impl()
+{
+    schema.setMessageHandler(&handler);
+    schema.setNetworkAccessManager(&schemaAccess);
+}
+
+void XmlValidator::Impl::report(const QString& description, const QUrl& uri)
+{
+    handler.message(QtFatalMsg, description, QUrl(), QSourceLocation(uri));
+}
+
+bool XmlValidator::Impl::read(const QString& path, QByteArray& content)
+{
+    const QUrl uri = QUrl::fromLocalFile(path);
+    QFile input(path);
+    if (!input.open(QIODevice::ReadOnly)) {
+        report(input.errorString(), uri);
+        return false;
+    }
+    content = input.readAll();
+    QString reason;
+    if (!checkXml(content, reason)) {
+        report(reason, uri);
+        return false;
+    }
+    return true;
+}
+
+bool XmlValidator::Impl::load(const QString& path)
+{
+    QByteArray content;
+    if (!read(path, content)) {
+        schema.load(QByteArray()); // so that isValid() tells of this attempt
+        log::important() << "Failed loading the schema";
+        return false;
+    }
+    if (!schema.load(content, QUrl::fromLocalFile(path)) || !schema.isValid()) {
+        log::important() << "No valid schema";
+        return false;
+    }
+    xsdPath = path;
+    validator = std::make_unique<QXmlSchemaValidator>(schema);
+    validator->setMessageHandler(&handler);
+    validator->setNetworkAccessManager(&documentAccess);
+    return true;
+}
+
+bool XmlValidator::Impl::validate(const QByteArray& document, const QUrl& uri)
+{
+    QString reason;
+    if (!checkXml(document, reason)) {
+        report(reason, uri);
+        return false;
+    }
+    return validator->validate(document, uri);
+}
+
+XmlValidator::XmlValidator()
+    : m_impl(std::make_unique<Impl>())
+{}
+
+XmlValidator::~XmlValidator() = default;
+
+bool XmlValidator::loadXsd(const QString& xsdFile)
+{
+    return m_impl->load(xsdFile);
+}
+
+bool XmlValidator::isXsdLoaded() const
+{
+    return m_impl->schema.isValid();
+}
+
+bool XmlValidator::validateXml(QIODevice& device)
+{
+    if (!m_impl->validator) {
+        return false;
+    }
+    if (!m_impl->validate(device.readAll(), QUrl())) {
+        log::debug() << "XML buffer validation failed with current XSD";
+        return false;
+    }
+    return true;
+}
+
+bool XmlValidator::validateXml(const QString& xmlFile)
+{
+    QByteArray document;
+    return m_impl->validator && m_impl->read(xmlFile, document) &&
+           m_impl->validator->validate(document, QUrl::fromLocalFile(xmlFile));
+}
+
+bool XmlValidator::validateXml(const QString& xmlFile, QString& error)
+{
+    m_impl->handler.first.clear();
+    if (validateXml(xmlFile)) {
+        return true;
+    }
+    error = m_impl->validator ? m_impl->handler.first : QStringLiteral("no schema is loaded");
+    return false;
+}
+
+} // namespace xml
+} // namespace lumo

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/core/xml/xml_conversion.h"
+
+namespace lumo {
+
+IXmlConversion::IXmlConversion() = default;
+IXmlConversion::IXmlConversion(const IXmlConversion&) = default;
+IXmlConversion& IXmlConversion::operator=(const IXmlConversion&) = default;
+IXmlConversion::~IXmlConversion() = default;
+
+template class ExtensibleFactory<IXmlConversion>;
+
+template <>
+ExtensibleFactory<IXmlConversion>& extensibleFactoryInstance<IXmlConversion>()
+{
+    static ExtensibleFactory<IXmlConversion> theOne;
+    return theOne;
+}
+
+} // namespace lumo

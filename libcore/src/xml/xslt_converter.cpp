@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/core/xml/xslt_converter.h"
+
+#include "lumo/cameradata/xml_document.h"
+#include "lumo/foundation/log.h"
+#include "xml/xslt_engines.h"
+
+#include <QFile>
+#include <QXmlStreamReader>
+
+#include <stdexcept>
+
+namespace lumo {
+namespace {
+
+bool readStylesheet(const QString& path, xml::Stylesheet& stylesheet, QString& error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = path + QStringLiteral(": ") + file.errorString();
+        return false;
+    }
+    const QByteArray text = file.readAll();
+    QString reason;
+    if (!xml::checkXml(text, reason)) {
+        error = path + QStringLiteral(": ") + reason;
+        return false;
+    }
+    stylesheet = {text, path};
+    return true;
+}
+
+bool isXslt1(const QByteArray& stylesheet)
+{
+    QXmlStreamReader reader(stylesheet);
+    return reader.readNextStartElement() &&
+           reader.attributes().value(QLatin1String("version")) == QLatin1String("1.0");
+}
+
+bool transform(const QString& xslFile, QIODevice* input, QByteArray& result, QString& error)
+{
+    if (input == nullptr || !input->isReadable()) {
+        error = QStringLiteral("the input cannot be read");
+        return false;
+    }
+    xml::Stylesheet stylesheet;
+    const QByteArray document = input->readAll();
+    if (!readStylesheet(xslFile, stylesheet, error) || !xml::checkXml(document, error)) {
+        return false;
+    }
+    return isXslt1(stylesheet.text)
+               ? xml::transformWithLibxslt(stylesheet, document, result, error)
+               : xml::transformWithXmlQuery(stylesheet, document, result, error);
+}
+
+} // namespace
+
+XsltConverter::XsltConverter() = default;
+XsltConverter::~XsltConverter() = default;
+
+void XsltConverter::setXsdFile(const QString& xsdFile)
+{
+    m_xsdFile = xsdFile;
+}
+
+void XsltConverter::setXslFile(const QString& xslFile)
+{
+    m_xslFile = xslFile;
+}
+
+QByteArray XsltConverter::convert(QIODevice* input)
+{
+    QByteArray result;
+    QString error;
+    if (!transform(m_xslFile, input, result, error)) {
+        log::warning() << error;
+        throw std::runtime_error("Cannot transform XML using XSLT");
+    }
+    return QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n") + result;
+}
+
+} // namespace lumo

@@ -1,0 +1,248 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/core/cameraInfo/camera_db_import.h"
+#include "lumo/core/cameraInfo/camera_model_db.h"
+#include "lumo/core/cameraInfo/lumo_camera_db_io.h"
+#include "lumo/core/cameraInfo/lumo_text_file_io.h"
+#include "lumo/core/xml/register_xml_converters.h"
+#include "lumo/foundation/log.h"
+#include "lumo/foundation/system.h"
+#include "test_cameras.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace lumo {
+namespace {
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void put(const QString& path, const QByteArray& content)
+{
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+}
+
+/// Stores over one data folder of their own.
+class CameraDbFiles : public testing::Test
+{
+protected:
+    CameraDbFiles()
+    {
+        registerXmlConverters();
+        system::setApplicationDirectory(QStringLiteral(LUMO_SOURCE_DIR));
+    }
+    ~CameraDbFiles() override { system::setApplicationDirectory(QString()); }
+
+    CameraModelDb makeStore() const
+    {
+        CameraDbSettings settings;
+        settings.appSettings =
+            std::make_shared<QSettings>(m_folder.filePath("settings.ini"), QSettings::IniFormat);
+        settings.secondSettings = settings.appSettings;
+        settings.dataDirectory = m_folder.filePath("db");
+        settings.checkInternalHash = true;
+        return CameraModelDb(settings);
+    }
+
+    QString path(const char* name) const { return m_folder.filePath(QString("db/") + name); }
+
+    static QByteArray sample(int version)
+    {
+        return contentOf(
+            QStringLiteral(LUMO_SOURCE_DIR "/samples/camdb/camdb_%1.xml").arg(version));
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(CameraDbFiles, AnEmptyFolderGetsTheShippedDatabase)
+{
+    CameraModelDb store = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error)) << qPrintable(error);
+    EXPECT_FALSE(store.emptyInternalDB());
+    EXPECT_TRUE(store.emptyUserDB());
+    EXPECT_FALSE(QFile::exists(path("19/ucmdb.xml")));
+
+    CameraModelDb again = makeStore();
+    ASSERT_TRUE(CameraDbIo(again).loadXML(path("19/icmdb.xml"), QString()));
+    EXPECT_EQ(again.internalData().cameras.size(), store.internalData().cameras.size());
+    EXPECT_EQ(again.internalData().rigs.size(), store.internalData().rigs.size());
+    EXPECT_EQ(again.internalData().mappings, store.internalData().mappings);
+}
+
+TEST_F(CameraDbFiles, AnInternalFileThatWasEditedIsMadeAnew)
+{
+    CameraModelDb store = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error));
+    const QByteArray generated = contentOf(path("19/icmdb.xml"));
+    put(path("19/icmdb.xml"), generated + "<!-- edited -->\n");
+    {
+        const log::Capture log;
+        EXPECT_FALSE(CameraDbIo(store).loadXML(path("19/icmdb.xml"), QString()));
+        EXPECT_TRUE(log.contains(
+            log::Level::Warning, "The original internal database has been edited manualy. It will "
+                                 "be restored!"));
+    }
+    ASSERT_TRUE(loadCameraDatabases(store, error));
+    EXPECT_EQ(contentOf(path("19/icmdb.xml")), generated);
+}
+
+TEST_F(CameraDbFiles, AnOlderUserDatabaseIsCarriedForwardOnce)
+{
+    put(path("9/ucmdb.xml"), "older still");
+    put(path("17/ucmdb.xml"), sample(17));
+    CameraModelDb store = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error)) << qPrintable(error);
+    EXPECT_FALSE(store.userData().cameras.empty());
+    EXPECT_FALSE(store.userData().rigs.empty());
+    EXPECT_EQ(contentOf(path("17/ucmdb.xml")), sample(17));
+    const QByteArray carried = contentOf(path("19/ucmdb.xml"));
+    EXPECT_TRUE(hasDbLastestFormat(path("19/ucmdb.xml")));
+
+    put(path("17/ucmdb.xml"), "changed later");
+    CameraModelDb again = makeStore();
+    ASSERT_TRUE(loadCameraDatabases(again, error));
+    EXPECT_EQ(again.userData().cameras.size(), store.userData().cameras.size());
+    EXPECT_EQ(contentOf(path("19/ucmdb.xml")), carried);
+}
+
+struct FolderCase
+{
+    const char* name;
+    QStringList folders;
+    const char* message; ///< empty: nothing is said
+};
+
+TEST_F(CameraDbFiles, FoldersThatHoldNothingOlder)
+{
+    const FolderCase cases[] = {
+        {"none", {}, ""},
+        {"current", {"17", "19"}, ""},
+        {"by hand",
+         {"17", "backup"},
+         "Unexpected folders in data-common directory. Remove the folders created manually."},
+        {"no file", {"17"}, "Error trying to convert user camera database to latest format"},
+    };
+    for (const FolderCase& test : cases) {
+        SCOPED_TRACE(test.name);
+        ASSERT_TRUE(QDir(m_folder.filePath("db")).removeRecursively());
+        for (const QString& folder : test.folders) {
+            ASSERT_TRUE(QDir().mkpath(m_folder.filePath("db/" + folder)));
+        }
+        CameraModelDb store = makeStore();
+        const log::Capture log;
+        EXPECT_FALSE(CameraDbIo(store).loadAndSavePreviousUserXML());
+        EXPECT_EQ(log.records().empty(), *test.message == '\0');
+        if (*test.message != '\0') {
+            EXPECT_TRUE(log.contains(log::Level::Important, test.message));
+        }
+        QString error;
+        EXPECT_TRUE(loadCameraDatabases(store, error));
+    }
+}
+
+TEST_F(CameraDbFiles, AUserFileThatDoesNotLoadIsNeverOverwritten)
+{
+    for (const QByteArray& content :
+         {QByteArray("no XML"), sample(19).left(sample(19).size() / 2), sample(17),
+          QByteArray("\xff\xfe\x00", 3), QByteArray()}) {
+        put(path("19/ucmdb.xml"), content);
+        CameraModelDb store = makeStore();
+        QString error;
+        EXPECT_FALSE(loadCameraDatabases(store, error));
+        EXPECT_TRUE(error.contains("ucmdb.xml")) << qPrintable(error);
+        EXPECT_FALSE(store.emptyInternalDB());
+        EXPECT_FALSE(store.setCameraModel(testModel("Mine"), true));
+        EXPECT_EQ(contentOf(path("19/ucmdb.xml")), content);
+    }
+}
+
+TEST_F(CameraDbFiles, EditsAreSavedAndComeBack)
+{
+    CameraModelDb store = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error));
+    CameraModelFromDB model = testModel(QString::fromUtf8("Kamera Ä"), "7");
+    ASSERT_TRUE(store.setCameraModel(model, true));
+    ASSERT_TRUE(store.setMapping("x_1.0_2x1", model.params.name, true));
+
+    CameraModelDb again = makeStore();
+    ASSERT_TRUE(loadCameraDatabases(again, error)) << qPrintable(error);
+    CameraModelFromDB found;
+    ASSERT_TRUE(again.findCameraModel(ExifID{"x_1.0_2x1", ""}, "7", found, false));
+    EXPECT_TRUE(found.equal(model));
+    EXPECT_EQ(found.serialNumber, "7");
+    EXPECT_EQ(found.params.source, CameraSource::UserDatabase);
+}
+
+TEST_F(CameraDbFiles, WhatCannotBeSavedLeavesTheFileAlone)
+{
+    CameraModelDb store = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error));
+    ASSERT_TRUE(store.setCameraModel(testModel("Mine"), true));
+    const QByteArray before = contentOf(path("19/ucmdb.xml"));
+    const log::Capture log;
+    EXPECT_FALSE(store.setCameraModel(testModel("Broken", QString("a\x01") + "b"), true));
+    EXPECT_EQ(contentOf(path("19/ucmdb.xml")), before);
+    ASSERT_FALSE(log.records().empty());
+    EXPECT_TRUE(log.records().back().text.contains("Broken"));
+
+    CameraDbSettings settings = store.settings();
+    settings.dataDirectory = path("19/ucmdb.xml"); // a file: no folder can be made below it
+    store.reset(settings);
+    EXPECT_FALSE(store.setCameraModel(testModel("Mine"), true));
+}
+
+TEST_F(CameraDbFiles, ImportBringsAnyVersionInWithoutTouchingTheFile)
+{
+    for (const int version : {16, 17, 18, 19}) {
+        SCOPED_TRACE(version);
+        const QString file = m_folder.filePath("import.xml");
+        put(file, sample(version));
+        CameraModelDb store = makeStore();
+        QString error;
+        ASSERT_TRUE(importUserDatabase(store, file, false, error)) << qPrintable(error);
+        EXPECT_FALSE(store.userData().cameras.empty());
+        EXPECT_FALSE(store.userData().rigs.empty());
+        EXPECT_FALSE(store.userData().mappings.empty());
+        EXPECT_EQ(contentOf(file), sample(version));
+    }
+    CameraModelDb store = makeStore();
+    QString error;
+    put(m_folder.filePath("broken.xml"), "<cameraModelDB>");
+    EXPECT_FALSE(importUserDatabase(store, m_folder.filePath("broken.xml"), false, error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(store.emptyUserDB());
+}
+
+TEST_F(CameraDbFiles, TextThatIsNoUtf8IsNotRead)
+{
+    TextFileIO io;
+    put(path("a.txt"), "a\xff");
+    EXPECT_FALSE(io.readFile(path("a.txt"), true));
+    EXPECT_TRUE(io.content().isEmpty());
+    put(path("b.txt"), "\xc3\xa4");
+    EXPECT_TRUE(io.readFile(path("b.txt"), true));
+    EXPECT_EQ(io.content(), QString(QChar(0xe4)));
+    EXPECT_FALSE(QFile::exists(path("b.txt.lock")));
+    const log::Capture log;
+    EXPECT_FALSE(io.readFile(path("missing.txt"), false));
+    ASSERT_EQ(log.records().size(), 1u);
+    EXPECT_TRUE(
+        log.records()[0].text.startsWith("Unable to open file '" + path("missing.txt") + "'"));
+}
+
+} // namespace
+} // namespace lumo
