@@ -2,11 +2,16 @@
 #pragma once
 
 #include "lumo/core/cameraInfo/camera_model_db.h"
+#include "output.h"
 
 namespace lumo::program {
 
-/// Fills the store with the databases that the commands look cameras up in.
-/// \returns false, and said on the standard error stream, if that failed
+/// An empty store over the camera database folder of the data directory.
+[[nodiscard]] CameraModelDb openDatabase(const CommonOptions& options);
+
+/// Fills the store with the shipped database and the user's own.
+/// \returns false, and said on the standard error stream, if that failed; what
+///     could be loaded is loaded
 [[nodiscard]] bool loadDatabase(CameraModelDb& database);
 
 } // namespace lumo::program

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "identify_command.h"
 
+#include "camera_text.h"
 #include "database.h"
 #include "image_reading.h"
 #include "lumo/core/cameraInfo/image_identification.h"
@@ -17,19 +18,6 @@ namespace {
 
 constexpr double kMicrometresPerMillimetre = 1000.0;
 
-QString lensText(LensType type)
-{
-    switch (type) {
-    case LensType::Perspective:
-        return QStringLiteral("perspective");
-    case LensType::Fisheye:
-        return QStringLiteral("fisheye");
-    case LensType::Spherical:
-        return QStringLiteral("spherical");
-    }
-    return {};
-}
-
 QString sourceText(const ImageIdentification& found)
 {
     return found.source ? text::toString(*found.source) : QStringLiteral("none");
@@ -40,12 +28,6 @@ double focalLengthMm(const ExifInfo& exif, const ImageIdentification& found)
 {
     return exif.focalLengthMm > 0.0 ? exif.focalLengthMm
                                     : found.camera.params.perspective.focalLengthMm;
-}
-
-/// What is shown of a number: as many digits as the evidence carries.
-double rounded(double value)
-{
-    return QString::number(value, 'g', 6).toDouble();
 }
 
 QJsonObject toJson(const QString& file, const ExifInfo& exif, const ImageIdentification& found)
@@ -63,9 +45,9 @@ QJsonObject toJson(const QString& file, const ExifInfo& exif, const ImageIdentif
     record["height"] = static_cast<qint64>(found.height);
     record["nativeWidth"] = static_cast<qint64>(exif.imageWidth);
     record["nativeHeight"] = static_cast<qint64>(exif.imageHeight);
-    record["pixelSizeUm"] = rounded(found.camera.params.pixelSize * kMicrometresPerMillimetre);
+    record["pixelSizeUm"] = shownNumber(found.camera.params.pixelSize * kMicrometresPerMillimetre);
     record["pixelSizeFrom"] = toString(found.pixelSizeFrom);
-    record["focalLengthMm"] = rounded(focalLengthMm(exif, found));
+    record["focalLengthMm"] = shownNumber(focalLengthMm(exif, found));
     record["lens"] = lensText(found.camera.params.lensType);
     record["bands"] = QJsonArray::fromStringList(found.camera.bands.names());
     return record;
@@ -92,7 +74,7 @@ QStringList toRow(const QString& file, const ExifInfo& exif, const ImageIdentifi
 
 ExitCode identify(const QStringList& paths, const CommonOptions& options)
 {
-    CameraModelDb database;
+    CameraModelDb database = openDatabase(options);
     ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
     std::vector<QStringList> table{
         {"file", "make", "model", "size", "focal mm", "pixel um", "from", "source", "camera"}};

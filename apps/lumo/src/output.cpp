@@ -13,6 +13,12 @@ void sayFailure(const QString& file, const QString& reason)
     std::fputs(QStringLiteral("lumo: %1: %2\n").arg(file, reason).toUtf8().constData(), stderr);
 }
 
+ExitCode failed(const QString& what, const QString& reason)
+{
+    sayFailure(what, reason);
+    return SomethingFailed;
+}
+
 void printJsonLine(const QJsonObject& object)
 {
     const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';

@@ -11,6 +11,7 @@ namespace lumo::program {
 struct CommonOptions
 {
     bool json = false;
+    QString dataDirectory; ///< of the user: databases and settings
 };
 
 /// Exit codes of the program.
@@ -22,6 +23,9 @@ enum ExitCode : int {
 
 /// "lumo: FILE: reason" on the standard error stream.
 void sayFailure(const QString& file, const QString& reason);
+
+/// Says a failure and is its exit code.
+[[nodiscard]] ExitCode failed(const QString& what, const QString& reason);
 
 /// The object as one line on the standard output stream.
 void printJsonLine(const QJsonObject& object);

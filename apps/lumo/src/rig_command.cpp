@@ -3,6 +3,7 @@
 
 #include "database.h"
 #include "image_reading.h"
+#include "lumo/core/cameraInfo/rig_from_captures.h"
 #include "lumo/core/cameraInfo/rig_identification.h"
 #include "text_table.h"
 
@@ -174,21 +175,25 @@ bool sayMismatches(const std::vector<Row>& rows)
     return none;
 }
 
-} // namespace
-
-ExitCode identifyRigs(const QStringList& paths, bool matrix, const CommonOptions& options)
+std::vector<Capture> readCaptures(const QStringList& paths, ExitCode& exitCode)
 {
-    CameraModelDb database;
-    ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
     std::vector<InputImage> images;
     readImages(
         paths,
         [&images](const QString& file, const ExifInfo& exif) { images.emplace_back(file, exif); },
         [&exitCode](const QString& path, const QString& reason) {
-            sayFailure(path, reason);
-            exitCode = SomethingFailed;
+            exitCode = failed(path, reason);
         });
-    const std::vector<Capture> captures = groupCaptures(images);
+    return groupCaptures(images);
+}
+
+} // namespace
+
+ExitCode identifyRigs(const QStringList& paths, bool matrix, const CommonOptions& options)
+{
+    CameraModelDb database = openDatabase(options);
+    ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
+    const std::vector<Capture> captures = readCaptures(paths, exitCode);
     const std::vector<RigIdentification> found = lumo::identifyRigs(captures, database);
     std::vector<Row> rows;
     for (std::size_t i = 0; i < captures.size(); ++i) {
@@ -196,6 +201,26 @@ ExitCode identifyRigs(const QStringList& paths, bool matrix, const CommonOptions
     }
     print(rows, matrix, options.json);
     return sayMismatches(rows) ? exitCode : SomethingFailed;
+}
+
+ExitCode saveRig(const QStringList& paths, const QString& name, const CommonOptions& options)
+{
+    CameraModelDb database = openDatabase(options);
+    if (!loadDatabase(database)) {
+        return SomethingFailed;
+    }
+    ExitCode exitCode = AllDone;
+    const std::vector<Capture> captures = readCaptures(paths, exitCode);
+    RigModel rig;
+    QString error;
+    if (!makeRigFromCaptures(captures, database, name, rig, error)) {
+        return failed(name, error);
+    }
+    if (!database.setRigModel(rig, true)) {
+        return failed(name, QStringLiteral("is known already, or could not be saved"));
+    }
+    printText(QStringLiteral("%1: %2 cameras\n").arg(rig.name, QString::number(rig.cameraCount())));
+    return exitCode;
 }
 
 } // namespace lumo::program

@@ -12,4 +12,8 @@ namespace lumo::program {
 [[nodiscard]] ExitCode identifyRigs(
     const QStringList& paths, bool matrix, const CommonOptions& options);
 
+/// `lumo rig --save NAME PATH...`: makes the rig of the images' metadata the user's.
+[[nodiscard]] ExitCode saveRig(
+    const QStringList& paths, const QString& name, const CommonOptions& options);
+
 } // namespace lumo::program

@@ -3,6 +3,7 @@
 
 #include <QJsonDocument>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 std::vector<QJsonObject> ProgramRun::records() const
@@ -22,7 +23,11 @@ std::vector<QJsonObject> ProgramRun::records() const
 ProgramRun runProgram(const QStringList& arguments)
 {
     constexpr int kTimeoutMs = 60000;
+    static const QTemporaryDir home; // the user's own data are not for tests
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), home.path());
     QProcess process;
+    process.setProcessEnvironment(environment);
     process.start(QStringLiteral(LUMO_PROGRAM), arguments);
     ProgramRun run;
     if (process.waitForFinished(kTimeoutMs) && process.exitStatus() == QProcess::NormalExit) {

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "camdb_command.h"
+#include "database.h"
+#include "lumo/core/cameraInfo/camera_db_selftest.h"
+#include "lumo/core/cameraInfo/lumo_camera_db_io.h"
+#include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
+#include "lumo/core/cameraInfo/text_db.h"
+#include "lumo/core/xml/camera_db_converter.h"
+#include "lumo/core/xml/lumo_xml_validator.h"
+#include "lumo/foundation/file.h"
+#include "lumo/foundation/system.h"
+
+#include <QJsonObject>
+
+#include <stdexcept>
+
+namespace lumo::program::camdb {
+namespace {
+
+bool isTextDb(const QString& file)
+{
+    return file.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive);
+}
+
+} // namespace
+
+ExitCode exportTo(const QString& file, bool internal, const CommonOptions& options)
+{
+    CameraModelDb database = openDatabase(options);
+    const bool loaded = loadDatabase(database);
+    const cameradb::CameraDBData& data = internal ? database.internalData() : database.userData();
+    QString text;
+    QString error;
+    if (isTextDb(file)) {
+        text = cameradb::writeTextDB(data);
+    } else if (!cameradb::documentText(database.settings().headerPairs, data, text, error)) {
+        return failed(file, error);
+    }
+    if (!file::replaceAtomically(file, text.toUtf8(), error)) {
+        return failed(QStringLiteral("export"), error);
+    }
+    return loaded ? AllDone : SomethingFailed;
+}
+
+ExitCode validate(const QString& file, const CommonOptions& options)
+{
+    QString error;
+    cameradb::CameraDBData data;
+    xml::XmlValidator validator;
+    const bool valid =
+        isTextDb(file)
+            ? cameradb::loadTextDB(file, data, error)
+            : validator.loadXsd(file::join(
+                  system::applicationDirectory(), QStringLiteral("resources/xsd/camDB_2_2.xsd"))) &&
+                  validator.validateXml(file, error);
+    if (options.json) {
+        printJsonLine({{"file", file}, {"valid", valid}, {"error", error}});
+    }
+    return valid ? AllDone : failed(file, error);
+}
+
+ExitCode convert(const QString& input, const QString& output, const CommonOptions&)
+{
+    try {
+        CameraDbConverter converter(input);
+        if (!converter.needsConvertion()) {
+            return failed(input, QStringLiteral("is of the current version or newer"));
+        }
+        return converter.convert(output) ? AllDone
+                                         : failed(input, QStringLiteral("could not be converted"));
+    } catch (const std::runtime_error& fault) {
+        return failed(input, QString::fromUtf8(fault.what()));
+    }
+}
+
+ExitCode rebuild(const CommonOptions& options)
+{
+    CameraModelDb database = openDatabase(options);
+    return CameraDbIo(database).loadAndSaveInternalTextDB(QString())
+               ? AllDone
+               : failed(
+                     database.settings().internalDBFileName(cameradb::kCurrentVersion),
+                     QStringLiteral("could not be made"));
+}
+
+ExitCode selftest(const CommonOptions& options)
+{
+    CameraModelDb database = openDatabase(options);
+    ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
+    std::size_t doubts = 0;
+    for (const DatabaseFinding& finding : checkInternalDatabase(database)) {
+        if (finding.fault) {
+            sayFailure(finding.entry, finding.text);
+            exitCode = SomethingFailed;
+        } else {
+            ++doubts;
+        }
+        if (options.json) {
+            printJsonLine(
+                {{"entry", finding.entry}, {"text", finding.text}, {"fault", finding.fault}});
+        } else if (!finding.fault) {
+            printText(QStringLiteral("doubtful: %1: %2\n").arg(finding.entry, finding.text));
+        }
+    }
+    if (!options.json) {
+        printText(QStringLiteral("%1 cameras, %2 rigs, %3 mappings; doubtful: %4\n")
+                      .arg(database.internalData().cameras.size())
+                      .arg(database.internalData().rigs.size())
+                      .arg(database.internalData().mappings.size())
+                      .arg(doubts));
+    }
+    return exitCode;
+}
+
+} // namespace lumo::program::camdb

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "camdb_command.h"
+#include "camera_text.h"
+#include "database.h"
+#include "lumo/core/cameraInfo/rig_db_iterator.h"
+#include "text_table.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <array>
+#include <vector>
+
+namespace lumo::program::camdb {
+namespace {
+
+constexpr double kMicrometresPerMillimetre = 1000.0;
+
+QJsonArray bandNames(const std::vector<bands_t>& configs)
+{
+    QJsonArray result;
+    for (const bands_t& bands : configs) {
+        result.append(QJsonArray::fromStringList(bands.names()));
+    }
+    return result;
+}
+
+QJsonObject toJson(const CameraModelFromDB& model)
+{
+    const CameraParams& params = model.params;
+    return {
+        {"kind", "camera"},
+        {"name", params.name},
+        {"serialNumber", model.serialNumber},
+        {"source", text::toString(params.source)},
+        {"exifId", model.exifId.isEmpty() ? params.name : model.exifId},
+        {"width", static_cast<qint64>(params.imageWidth)},
+        {"height", static_cast<qint64>(params.imageHeight)},
+        {"pixelSizeUm", shownNumber(params.pixelSize * kMicrometresPerMillimetre)},
+        {"principalPointMm",
+         QJsonArray{shownNumber(params.principalPointXMm), shownNumber(params.principalPointYMm)}},
+        {"lens", lensText(params.lensType)},
+        {"focalLengthMm", shownNumber(params.perspective.focalLengthMm)},
+        {"shutterModel", params.shutterModel},
+        {"lineReadoutTimeMs", shownNumber(params.lineReadoutTime)},
+        {"bands", bandNames(model.bandConfigs)},
+    };
+}
+
+QJsonObject toJson(const RigModel& rig, CameraSource source)
+{
+    QJsonArray cameras;
+    for (std::size_t i = 0; i < rig.cameraCount(); ++i) {
+        const RigModelCameraAttr& camera = rig.attr(i);
+        cameras.append(QJsonObject{
+            {"name", camera.name},
+            {"enabled", camera.enabled()},
+            {"exifString", camera[RigKey::ExifString]},
+            {"serialNumber", camera[RigKey::SerialNumber]},
+            {"detectionString", camera[RigKey::DetectionString]},
+            {"bands", QJsonArray::fromStringList(camera.bands().names())}});
+    }
+    return {
+        {"kind", "rig"},
+        {"name", rig.name},
+        {"source", text::toString(source)},
+        {"detection", text::toString(rig.cameraDetection)},
+        {"processingMode", text::toString(rig.processingMode)},
+        {"referenceCamera", static_cast<qint64>(rig.refCameraIndex)},
+        {"cameras", cameras},
+    };
+}
+
+QStringList toRow(const CameraModelFromDB& model)
+{
+    const CameraParams& params = model.params;
+    return {
+        params.name,
+        model.serialNumber,
+        text::toString(params.source),
+        QStringLiteral("%1x%2").arg(params.imageWidth).arg(params.imageHeight),
+        QString::number(params.pixelSize * kMicrometresPerMillimetre, 'f', 3),
+        lensText(params.lensType),
+        model.defaultBands().names().join(QStringLiteral(", ")),
+    };
+}
+
+/// All cameras that lookup would give, the user's over the shipped ones.
+std::vector<CameraModelFromDB> allCameras(const CameraModelDb& database)
+{
+    std::vector<std::pair<QString, QString>> names;
+    database.cameraNames(ExifInfo(), names);
+    std::vector<CameraModelFromDB> models;
+    for (const auto& [name, serialNumber] : names) {
+        CameraModelFromDB model;
+        if (database.findCameraModel(name, serialNumber, true, model, false)) {
+            models.push_back(std::move(model));
+        }
+    }
+    return models;
+}
+
+/// The rigs that lookup would give, by name.
+std::vector<RigModel> allRigs(const CameraModelDb& database)
+{
+    std::map<QString, RigModel> rigs;
+    for (RigDBIterator it(database); it.hasNext();) {
+        const auto [stored, source] = it.next();
+        RigModel rig = stored;
+        rig.source = source;
+        rigs.emplace(rig.name, std::move(rig)); // the user's come first
+    }
+    std::vector<RigModel> result;
+    for (auto& [name, rig] : rigs) {
+        result.push_back(std::move(rig));
+    }
+    return result;
+}
+
+/// One "field: value" line for each field of a record, indented.
+QString details(const QJsonObject& record, const QString& indent)
+{
+    QString text;
+    for (auto field = record.begin(); field != record.end(); ++field) {
+        if (field->isArray() && field->toArray().first().isObject()) {
+            int number = 0;
+            for (const QJsonValue& item : field->toArray()) {
+                text += indent + QStringLiteral("camera %1:\n").arg(number++);
+                text += details(item.toObject(), indent + QStringLiteral("  "));
+            }
+            continue;
+        }
+        QStringList parts;
+        if (field->isArray()) {
+            for (const QJsonValue& item : field->toArray()) {
+                QStringList names;
+                for (const QJsonValue& name : item.toArray()) {
+                    names.append(name.toString());
+                }
+                parts.append(
+                    item.isArray() ? names.join(QStringLiteral(", "))
+                                   : item.toVariant().toString());
+            }
+        } else {
+            parts.append(field->toVariant().toString());
+        }
+        text += indent + field.key() + QStringLiteral(": ") + parts.join(QStringLiteral("; ")) +
+                QLatin1Char('\n');
+    }
+    return text;
+}
+
+void print(const QJsonObject& record, bool json)
+{
+    if (json) {
+        printJsonLine(record);
+    } else {
+        printText(details(record, QString()));
+    }
+}
+
+} // namespace
+
+ExitCode list(const CommonOptions& options)
+{
+    CameraModelDb database = openDatabase(options);
+    const ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
+    std::vector<QStringList> cameras{
+        {"camera", "serial number", "source", "size", "pixel um", "lens", "bands"}};
+    for (const CameraModelFromDB& model : allCameras(database)) {
+        if (options.json) {
+            printJsonLine(toJson(model));
+        } else {
+            cameras.push_back(toRow(model));
+        }
+    }
+    std::vector<QStringList> rigs{{"rig", "source", "cameras"}};
+    for (const RigModel& rig : allRigs(database)) {
+        if (options.json) {
+            printJsonLine(toJson(rig, rig.source));
+        } else {
+            rigs.push_back(
+                {rig.name, text::toString(rig.source), QString::number(rig.cameraCount())});
+        }
+    }
+    if (!options.json) {
+        printText(formatTable(cameras) + QLatin1Char('\n') + formatTable(rigs));
+    }
+    return exitCode;
+}
+
+ExitCode show(const QString& name, const QString& serialNumber, const CommonOptions& options)
+{
+    CameraModelDb database = openDatabase(options);
+    const ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
+    CameraModelFromDB model;
+    RigModel rig;
+    if (database.findCameraModel(name, serialNumber, true, model, false)) {
+        print(toJson(model), options.json);
+    } else if (serialNumber.isEmpty() && database.findRigModel(name, rig, false)) {
+        print(toJson(rig, rig.source), options.json);
+    } else {
+        sayFailure(name, QStringLiteral("no camera or rig of this name"));
+        return SomethingFailed;
+    }
+    return exitCode;
+}
+
+} // namespace lumo::program::camdb

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/cameradata/camera_params.h"
+
+#include <QString>
+
+namespace lumo::program {
+
+/// "perspective", "fisheye" or "spherical".
+[[nodiscard]] QString lensText(LensType type);
+
+/// A number as it is shown: with as many digits as the evidence carries.
+[[nodiscard]] double shownNumber(double value);
+
+} // namespace lumo::program

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "command_line.h"
+
+#include "camdb_command.h"
+#include "identify_command.h"
+#include "lumo/core/common/build_info.h"
+#include "rig_command.h"
+
+#include <CLI/CLI.hpp>
+#include <QFile>
+#include <QStandardPaths>
+#include <QStringList>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace lumo::program {
+namespace {
+
+/// What the options of all commands are stored in.
+struct Arguments
+{
+    CommonOptions common;
+    std::string dataDirectory;
+    std::vector<std::string> paths;
+    std::string first;  ///< first positional argument of a camdb command
+    std::string second; ///< second one
+    std::string serialNumber;
+    std::string rigName;
+    bool matrix = false;
+    bool overwrite = false;
+    bool internal = false;
+};
+
+QString toQt(const std::string& argument)
+{
+    return QFile::decodeName(argument.c_str());
+}
+
+QStringList toQt(const std::vector<std::string>& arguments)
+{
+    QStringList result;
+    for (const std::string& argument : arguments) {
+        result.append(toQt(argument));
+    }
+    return result;
+}
+
+std::string versionText()
+{
+    using namespace core;
+    return std::string("lumo ") + build::version() + " (" + build::commit() + ", " +
+           build::compiler() + ")";
+}
+
+using Run = std::function<ExitCode()>;
+
+/// A subcommand that runs `action` if it is the one asked for.
+CLI::App* addCommand(
+    CLI::App& parent, Run& run, const char* name, const char* description, const char* example,
+    Run action)
+{
+    CLI::App* command = parent.add_subcommand(name, description);
+    command->footer(std::string("Example: ") + example);
+    command->callback([&run, action = std::move(action)] { run = action; });
+    return command;
+}
+
+void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
+{
+    CLI::App* identifyCommand = addCommand(
+        app, run, "identify", "Find the camera model of image files",
+        "lumo identify --json flight1/",
+        [&arguments] { return identify(toQt(arguments.paths), arguments.common); });
+    identifyCommand->add_option("PATH", arguments.paths, "Image files, or folders with image files")
+        ->required();
+
+    CLI::App* rigCommand = addCommand(
+        app, run, "rig", "Group image files into captures and find the rig of each",
+        "lumo rig --matrix flight1/", [&arguments] {
+            const QStringList paths = toQt(arguments.paths);
+            return arguments.rigName.empty()
+                       ? identifyRigs(paths, arguments.matrix, arguments.common)
+                       : saveRig(paths, toQt(arguments.rigName), arguments.common);
+        });
+    rigCommand->add_option(
+        "--save", arguments.rigName,
+        "Make a rig of your own of this name from the images' own metadata");
+    rigCommand->add_option("PATH", arguments.paths, "Image files, or folders with image files")
+        ->required();
+    rigCommand->add_flag(
+        "--matrix", arguments.matrix, "Show captures against the rig's cameras, with gaps");
+}
+
+void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
+{
+    const auto serialOption = [&arguments](CLI::App* command) {
+        command->add_option("--serial", arguments.serialNumber, "Serial number of one body");
+    };
+    CLI::App* add = addCommand(
+        camdb, run, "add", "Make the camera of an image's metadata one of your own",
+        "lumo camdb add DJI_0001.JPG",
+        [&arguments] { return camdb::add(toQt(arguments.first), arguments.common); });
+    add->add_option("IMAGE", arguments.first, "An image file")->required();
+
+    CLI::App* remove = addCommand(
+        camdb, run, "remove", "Remove a camera or rig of your own",
+        "lumo camdb remove FC6310_8.8_5472x3648", [&arguments] {
+            return camdb::remove(
+                toQt(arguments.first), toQt(arguments.serialNumber), arguments.common);
+        });
+    remove->add_option("NAME", arguments.first, "Name of the camera or rig")->required();
+    serialOption(remove);
+
+    CLI::App* map = addCommand(
+        camdb, run, "map", "Let an identifier stand for a camera",
+        "lumo camdb map FC6310S_8.8_5472x3648 FC6310_8.8_5472x3648", [&arguments] {
+            return camdb::map(toQt(arguments.first), toQt(arguments.second), arguments.common);
+        });
+    map->add_option("EXIFID", arguments.first, "Identifier, as lumo identify --json shows it")
+        ->required();
+    map->add_option("NAME", arguments.second, "Name of the camera")->required();
+
+    CLI::App* import = addCommand(
+        camdb, run, "import", "Merge a database of any version into your own",
+        "lumo camdb import --overwrite colleague.xml", [&arguments] {
+            return camdb::import(toQt(arguments.first), arguments.overwrite, arguments.common);
+        });
+    import->add_option("FILE", arguments.first, "XML document, or text database (.csv)")
+        ->required();
+    import->add_flag("--overwrite", arguments.overwrite, "Replace entries of the same name");
+}
+
+void addDatabaseFiles(CLI::App& camdb, Run& run, Arguments& arguments)
+{
+    CLI::App* exportCommand = addCommand(
+        camdb, run, "export", "Write your own database to a file", "lumo camdb export my.xml",
+        [&arguments] {
+            return camdb::exportTo(toQt(arguments.first), arguments.internal, arguments.common);
+        });
+    exportCommand->add_option("FILE", arguments.first, "XML document, or text database (.csv)")
+        ->required();
+    exportCommand->add_flag("--internal", arguments.internal, "The shipped database instead");
+
+    CLI::App* validate = addCommand(
+        camdb, run, "validate", "Say whether a file is a database of the current version",
+        "lumo camdb validate my.xml",
+        [&arguments] { return camdb::validate(toQt(arguments.first), arguments.common); });
+    validate->add_option("FILE", arguments.first, "XML document, or text database (.csv)")
+        ->required();
+
+    CLI::App* convert = addCommand(
+        camdb, run, "convert", "Bring a database of an older version to the current one",
+        "lumo camdb convert old.xml new.xml", [&arguments] {
+            return camdb::convert(toQt(arguments.first), toQt(arguments.second), arguments.common);
+        });
+    convert->add_option("IN", arguments.first, "XML document of an older version")->required();
+    convert->add_option("OUT", arguments.second, "File to write")->required();
+
+    addCommand(
+        camdb, run, "rebuild", "Make the internal database file anew", "lumo camdb rebuild",
+        [&arguments] { return camdb::rebuild(arguments.common); });
+}
+
+void addDatabaseCommands(CLI::App& app, Run& run, Arguments& arguments)
+{
+    CLI::App* camdb = app.add_subcommand("camdb", "The camera databases");
+    camdb->require_subcommand(1);
+    camdb->fallthrough();
+    addCommand(*camdb, run, "list", "List all cameras and rigs", "lumo camdb list", [&arguments] {
+        return camdb::list(arguments.common);
+    });
+    CLI::App* show = addCommand(
+        *camdb, run, "show", "Show a camera or rig", "lumo camdb show FC6310_8.8_5472x3648",
+        [&arguments] {
+            return camdb::show(
+                toQt(arguments.first), toQt(arguments.serialNumber), arguments.common);
+        });
+    show->add_option("NAME", arguments.first, "Name of the camera or rig")->required();
+    show->add_option("--serial", arguments.serialNumber, "Serial number of one body");
+    addDatabaseEditing(*camdb, run, arguments);
+    addDatabaseFiles(*camdb, run, arguments);
+    addCommand(
+        *camdb, run, "selftest", "Look through the shipped database", "lumo camdb selftest",
+        [&arguments] { return camdb::selftest(arguments.common); });
+}
+
+} // namespace
+
+Request parseCommandLine(int argc, char** argv)
+{
+    Request request;
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App app("Cameras, rigs, projects and alignment of photogrammetric images.", "lumo");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.set_version_flag("--version", versionText());
+    app.add_flag(
+        "--json", arguments->common.json, "One JSON object per line on the standard output");
+    app.add_flag("-v", request.verbosity, "Say more of what is done; -vv says all");
+    app.add_option(
+        "--data-dir", arguments->dataDirectory,
+        "Folder of your own databases and settings (default: the user's data folder)");
+    Run run;
+    addImageCommands(app, run, *arguments);
+    addDatabaseCommands(app, run, *arguments);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        request.exitCode = app.exit(error) == 0 ? AllDone : WrongUsage;
+        return request;
+    }
+    arguments->common.dataDirectory =
+        arguments->dataDirectory.empty()
+            ? QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
+            : toQt(arguments->dataDirectory);
+    request.run = [run, arguments] { return run(); };
+    return request;
+}
+
+} // namespace lumo::program

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "program.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+/// `lumo camdb` over a data folder of its own.
+class Camdb : public testing::Test
+{
+protected:
+    ProgramRun camdb(const QStringList& arguments)
+    {
+        return runProgram(
+            QStringList{"--data-dir", m_folder.filePath("data"), "camdb"} + arguments);
+    }
+
+    QString path(const char* name) const { return m_folder.filePath(name); }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(Camdb, TheShippedDatabasePassesItsSelftest)
+{
+    const ProgramRun run = camdb({"selftest"});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.err, "");
+}
+
+TEST_F(Camdb, AnAddedCameraIsFoundUntilItIsRemoved)
+{
+    const QString image = samplePath("images/no_sensor_known.jpg");
+    const QString name = "Model One_4.0_4000x3000";
+    const auto identified = [&] {
+        const ProgramRun run =
+            runProgram({"--data-dir", path("data"), "identify", "--json", image});
+        return run.records().front()["camera"].toString();
+    };
+    EXPECT_EQ(identified(), "");
+    const ProgramRun added = camdb({"add", image});
+    EXPECT_EQ(added.exitCode, 0) << added.err.toStdString();
+    EXPECT_EQ(added.out, name.toUtf8() + '\n');
+    EXPECT_EQ(identified(), name);
+    EXPECT_EQ(camdb({"add", image}).exitCode, 1);
+    EXPECT_EQ(camdb({"show", name, "--json"}).records().front()["source"].toString(), "exif");
+    EXPECT_EQ(camdb({"map", "Alias_1.0_2x1", name}).exitCode, 0);
+
+    EXPECT_EQ(camdb({"export", path("my.xml")}).exitCode, 0);
+    EXPECT_EQ(camdb({"validate", path("my.xml")}).exitCode, 0);
+    EXPECT_EQ(camdb({"export", path("my.csv")}).exitCode, 0);
+    EXPECT_EQ(camdb({"validate", path("my.csv")}).exitCode, 0);
+    EXPECT_EQ(camdb({"remove", name}).exitCode, 0);
+    EXPECT_EQ(identified(), "");
+    EXPECT_EQ(camdb({"remove", name}).exitCode, 1);
+    for (const char* file : {"my.xml", "my.csv"}) {
+        EXPECT_EQ(camdb({"import", path(file)}).exitCode, 0);
+        EXPECT_EQ(identified(), name);
+        EXPECT_EQ(camdb({"remove", name}).exitCode, 0);
+    }
+}
+
+TEST_F(Camdb, AFaultIsNamedWithLineAndColumn)
+{
+    QFile file(path("bad.xml"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<cameraModelDB>\n<version>19</version>\n<cameras><what/></cameras>\n"
+               "</cameraModelDB>\n");
+    file.close();
+    const ProgramRun run = camdb({"validate", path("bad.xml")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.startsWith("lumo: " + path("bad.xml").toUtf8() + ": line 3, column "))
+        << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("what"));
+}
+
+TEST_F(Camdb, OlderDatabasesAreConverted)
+{
+    const QString old = samplePath("camdb/camdb_16.xml");
+    EXPECT_EQ(camdb({"convert", old, path("new.xml")}).exitCode, 0);
+    EXPECT_EQ(camdb({"validate", path("new.xml")}).exitCode, 0);
+    const ProgramRun again = camdb({"convert", path("new.xml"), path("newer.xml")});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_FALSE(QFile::exists(path("newer.xml")));
+    EXPECT_EQ(camdb({"import", old}).exitCode, 0);
+    const ProgramRun list = camdb({"list", "--json"});
+    EXPECT_EQ(list.exitCode, 0);
+    EXPECT_TRUE(list.out.contains("\"source\":\"user\""));
+}
+
+} // namespace
