@@ -49,8 +49,8 @@ QString baseName(std::string_view path)
 Sink::Sink() = default;
 Sink::~Sink() = default;
 
-Streamer::Streamer(Level level, const char* file, int line)
-    : m_record{level, baseName(file), line, {}}
+Streamer::Streamer(Level level, const char* file, int line, bool step)
+    : m_record{level, baseName(file), line, {}, step}
 {}
 
 Streamer::~Streamer()
@@ -97,6 +97,11 @@ Streamer info(const char* file, int line)
 Streamer warning(const char* file, int line)
 {
     return {Level::Warning, file, line};
+}
+
+Streamer step(const char* file, int line)
+{
+    return {Level::Important, file, line, true};
 }
 
 Streamer important(const char* file, int line)

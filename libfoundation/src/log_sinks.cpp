@@ -34,9 +34,10 @@ std::string formatted(const Record& record)
 class SpdlogSink : public Sink
 {
 public:
-    SpdlogSink(spdlog::sink_ptr sink, const std::string& pattern, Level minimum)
+    SpdlogSink(spdlog::sink_ptr sink, const std::string& pattern, Level minimum, bool steps)
         : m_logger(std::string(), std::move(sink))
         , m_minimum(minimum)
+        , m_steps(steps)
     {
         m_logger.set_pattern(pattern);
         m_logger.flush_on(spdlog::level::trace); // nothing is lost when the program dies
@@ -44,7 +45,7 @@ public:
 
     void write(const Record& record) override
     {
-        if (record.level >= m_minimum) {
+        if (record.level >= m_minimum && (m_steps || !record.step)) {
             m_logger.log(spdlog::level::info, std::string_view(formatted(record)));
         }
     }
@@ -53,6 +54,7 @@ private:
     // It reports a failed write on the standard error stream instead of throwing.
     spdlog::logger m_logger;
     Level m_minimum;
+    bool m_steps;
 };
 
 class CallbackSink : public Sink
@@ -70,10 +72,10 @@ private:
 
 } // namespace
 
-std::shared_ptr<Sink> makeStderrSink(Level minimum)
+std::shared_ptr<Sink> makeStderrSink(Level minimum, bool steps)
 {
     return std::make_shared<SpdlogSink>(
-        std::make_shared<spdlog::sinks::stderr_sink_st>(), "%v", minimum);
+        std::make_shared<spdlog::sinks::stderr_sink_st>(), "%v", minimum, steps);
 }
 
 std::shared_ptr<Sink> makeRotatingFileSink(
@@ -86,7 +88,8 @@ std::shared_ptr<Sink> makeRotatingFileSink(
     try {
         auto file = std::make_shared<spdlog::sinks::rotating_file_sink_st>(
             QFile::encodeName(path).toStdString(), maxBytes, maxFiles);
-        return std::make_shared<SpdlogSink>(std::move(file), "%Y-%m-%d %H:%M:%S.%e %v", minimum);
+        return std::make_shared<SpdlogSink>(
+            std::move(file), "%Y-%m-%d %H:%M:%S.%e %v", minimum, true);
     } catch (const spdlog::spdlog_ex& failure) {
         error = path + QStringLiteral(": ") + QString::fromLocal8Bit(failure.what());
         return nullptr;

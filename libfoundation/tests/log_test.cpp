@@ -151,9 +151,10 @@ TEST(Log, RecordsOfManyThreadsAreWholeAndInOrder)
 
 TEST(StderrSink, WritesOneLineEachFromItsLevelUp)
 {
-    const auto sink = makeStderrSink(Level::Warning);
+    const auto sink = makeStderrSink(Level::Warning, false);
     addSink(sink);
     testing::internal::CaptureStderr();
+    step() << "hidden: a step";
     Streamer(Level::Info, "a.cpp", 1) << "hidden";
     Streamer(Level::Warning, "dir/b.cpp", 23) << "100% {} two\nlines\x1b[31m ü";
     Streamer(Level::Important, "c.cpp", 4) << "shown";

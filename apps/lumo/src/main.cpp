@@ -32,7 +32,8 @@ int main(int argc, char** argv)
     if (!request.run) {
         return request.exitCode;
     }
-    lumo::log::addSink(lumo::log::makeStderrSink(shownLevel(request.verbosity)));
+    lumo::log::addSink(
+        lumo::log::makeStderrSink(shownLevel(request.verbosity), request.verbosity > 0));
     lumo::registerXmlConverters();
     lumo::program::catchInterrupt();
     return request.run();

@@ -49,7 +49,7 @@ int versionOf(const QDomElement& root)
 
 QByteArray run(const Step& step, const QByteArray& document)
 {
-    log::important() << step.label;
+    log::step() << step.label;
     const auto conversion = extensibleFactoryInstance<IXmlConversion>().create(step.key);
     conversion->setXsdFile(installed(step.xsdFile));
     conversion->setXslFile(installed(step.xslFile));

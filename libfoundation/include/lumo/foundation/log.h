@@ -35,6 +35,7 @@ struct Record
     QString source; ///< base name of the source file, without folder and extension
     int line = 0;
     QString text;
+    bool step = false; ///< tells that a step of a conversion begins
 };
 
 /// Receives records. `write` is called under the log's lock, from the thread
@@ -56,7 +57,7 @@ public:
 class LUMO_FOUNDATION_EXPORT Streamer
 {
 public:
-    Streamer(Level level, const char* file, int line);
+    Streamer(Level level, const char* file, int line, bool step = false);
     Streamer(const Streamer&) = delete;
     Streamer& operator=(const Streamer&) = delete;
     ~Streamer();
@@ -91,6 +92,10 @@ info(const char* file = __builtin_FILE(), int line = __builtin_LINE());
 warning(const char* file = __builtin_FILE(), int line = __builtin_LINE());
 [[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
 important(const char* file = __builtin_FILE(), int line = __builtin_LINE());
+/// The beginning of a conversion's step: as important as an error in a log file,
+/// but nothing to trouble a person with who did not ask.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
+step(const char* file = __builtin_FILE(), int line = __builtin_LINE());
 
 /// Does nothing if the sink was added before.
 /// \throws std::invalid_argument if it is null
@@ -100,7 +105,9 @@ LUMO_FOUNDATION_EXPORT void removeSink(const std::shared_ptr<Sink>& sink);
 
 /// Writes records of `minimum` and up to the standard error stream, a line each:
 /// "[6] source:line text". Control characters in the text become blanks.
-[[nodiscard]] LUMO_FOUNDATION_EXPORT std::shared_ptr<Sink> makeStderrSink(Level minimum);
+/// \param steps  whether records of log::step are among them
+[[nodiscard]] LUMO_FOUNDATION_EXPORT std::shared_ptr<Sink> makeStderrSink(
+    Level minimum, bool steps = true);
 
 /// Appends records of `minimum` and up to `path`, with local date and time before
 /// the same line. Before the file outgrows `maxBytes` (at least 1) it is renamed,
