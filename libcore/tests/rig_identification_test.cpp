@@ -66,9 +66,7 @@ TEST(GroupCaptures, ByIdentifierThenByFolderStemAndTime)
         {"no identifier joins by stem",
          {image("a/I_1_RGB.jpg"), image("a/I_1_N.tif", "NIR", "X")},
          {{"a/I_1_N.tif", "a/I_1_RGB.jpg"}}},
-        {"a name without a separator",
-         {image("a/I.tif"), image("a/J.tif")},
-         {{"a/I.tif"}, {"a/J.tif"}}},
+        {"a name without a separator", {image("a/I.tif"), image("a/J")}, {{"a/I.tif"}, {"a/J"}}},
     };
     for (const GroupCase& test : cases) {
         SCOPED_TRACE(test.name);

@@ -45,10 +45,12 @@ QJsonObject toJson(const Row& row)
 {
     const auto& [capture, found] = row;
     QJsonArray files;
+    QJsonArray serialNumbers;
     QJsonArray assignment;
     QJsonArray cameras;
     for (std::size_t i = 0; i < capture.images.size(); ++i) {
         files.append(capture.images[i].path());
+        serialNumbers.append(capture.images[i].serialNumber());
         if (found.fits) {
             assignment.append(static_cast<int>(found.assignment[i]));
             cameras.append(cameraText(found, i));
@@ -57,6 +59,7 @@ QJsonObject toJson(const Row& row)
     QJsonObject record;
     record["capture"] = capture.id;
     record["files"] = files;
+    record["serialNumbers"] = serialNumbers;
     record["rig"] = found.fits ? found.rigName : QString();
     record["source"] = sourceText(found);
     record["score"] = found.score;
@@ -147,6 +150,42 @@ void printMatrices(const std::vector<Row>& rows)
     }
 }
 
+/// The serial numbers of a capture's images, each once.
+QString bodyText(const Capture& capture)
+{
+    QStringList serialNumbers;
+    for (const InputImage& image : capture.images) {
+        if (!image.serialNumber().isEmpty()) {
+            serialNumbers.append(image.serialNumber());
+        }
+    }
+    serialNumbers.removeDuplicates();
+    serialNumbers.sort();
+    return serialNumbers.join(QLatin1Char('+'));
+}
+
+/// Says which rigs the images show several bodies of.
+void printBodies(const std::vector<Row>& rows)
+{
+    std::map<QString, std::map<QString, int>> bodies;
+    for (const Row& row : rows) {
+        const QString body = bodyText(row.capture);
+        if (!row.found.rigName.isEmpty() && !body.isEmpty()) {
+            ++bodies[row.found.rigName][body];
+        }
+    }
+    for (const auto& [rig, captures] : bodies) {
+        if (captures.size() < 2) {
+            continue;
+        }
+        QStringList parts;
+        for (const auto& [body, count] : captures) {
+            parts.append(QStringLiteral("%1 (captures: %2)").arg(body).arg(count));
+        }
+        printText(QStringLiteral("Bodies of %1: %2\n").arg(rig, parts.join(QStringLiteral(", "))));
+    }
+}
+
 void print(const std::vector<Row>& rows, bool matrix, bool json)
 {
     if (json) {
@@ -157,6 +196,7 @@ void print(const std::vector<Row>& rows, bool matrix, bool json)
         printMatrices(rows);
     } else {
         printTable(rows);
+        printBodies(rows);
     }
 }
 

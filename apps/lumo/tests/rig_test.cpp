@@ -21,6 +21,7 @@ TEST(Rig, ACompleteCaptureIsAssigned)
     EXPECT_EQ(record["assignment"].toArray(), (QJsonArray{0, 1, 2, 3, 4}));
     EXPECT_EQ(record["cameras"].toArray(), (QJsonArray{"Blue", "Green", "Red", "NIR", "Red edge"}));
     EXPECT_EQ(record["source"].toString(), "internal");
+    EXPECT_EQ(record["serialNumbers"].toArray().last().toString(), "RM01-0000001");
     EXPECT_FALSE(record.contains("reason"));
 }
 

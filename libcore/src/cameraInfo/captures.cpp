@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/captures.h"
 
+#include "cameraInfo/image_name.h"
 #include "lumo/foundation/file.h"
 
 #include <algorithm>
@@ -13,13 +14,10 @@
 namespace lumo {
 namespace {
 
-/// Folder and file name up to what tells the cameras of a rig apart.
+/// What the paths of a capture's images share.
 QString stemOf(const QString& path)
 {
-    const QString name = file::filename(path).section(QLatin1Char('.'), 0, -2);
-    const int end =
-        std::max(name.lastIndexOf(QLatin1Char('_')), name.lastIndexOf(QLatin1Char('-')));
-    return file::join(file::dirname(path), end > 0 ? name.left(end) : name);
+    return file::join(file::dirname(path), splitImageName(path).stem);
 }
 
 bool sameTime(const QDateTime& a, const QDateTime& b)

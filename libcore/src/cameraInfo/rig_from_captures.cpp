@@ -1,24 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/rig_from_captures.h"
 
+#include "cameraInfo/image_name.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/rig_db_match.h"
 #include "lumo/core/cameraInfo/rig_identification.h"
-#include "lumo/foundation/file.h"
 
 #include <algorithm>
 
 namespace lumo {
 namespace {
-
-/// What follows the last separator of a file name, with it and without extension.
-QString nameEnd(const QString& path)
-{
-    const QString name = file::filename(path).section(QLatin1Char('.'), 0, -2);
-    const int start =
-        std::max(name.lastIndexOf(QLatin1Char('_')), name.lastIndexOf(QLatin1Char('-')));
-    return start > 0 ? name.mid(start) : QString();
-}
 
 /// The filter of a capture with what a rig model needs beyond it.
 rig_filter_t cameraFilter(
@@ -29,7 +20,8 @@ rig_filter_t cameraFilter(
     for (std::size_t i = 0; i < capture.images.size(); ++i) {
         const ExifInfo& exif = capture.images[i].exif();
         if (!exif.bandsNamed && !exif.rigCameraIndex) {
-            filter.cameras[i][RigKey::DetectionString] = nameEnd(capture.images[i].path());
+            filter.cameras[i][RigKey::DetectionString] =
+                splitImageName(capture.images[i].path()).end;
         }
     }
     return filter;

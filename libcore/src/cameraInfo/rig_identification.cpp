@@ -8,6 +8,8 @@
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/text.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace lumo {
@@ -29,7 +31,7 @@ Rigs rigsOf(const CameraModelDb& database)
 /// that name.
 bool detects(const QString& detectionString, const QString& path)
 {
-    const QString name = file::filename(path).section(QLatin1Char('.'), 0, -2);
+    const QString name = QFileInfo(path).completeBaseName();
     return name.endsWith(detectionString, Qt::CaseInsensitive) ||
            name.startsWith(detectionString, Qt::CaseInsensitive) ||
            text::iequals(file::filename(file::dirname(path)), detectionString);
