@@ -114,6 +114,17 @@ def sample_jpeg(make, model, focal, width, height, file_size=None, **more):
     return jpeg_bytes(*(file_size or (width, height)), tiff_bytes(main, exif))
 
 
+REFERENCE_BAND = 1
+
+
+def pose(index):
+    """The rotation of a band's camera relative to the reference, as XMP."""
+    if index == REFERENCE_BAND:
+        return ""
+    angles = f"{-0.1 * index - 0.05:.2f}, {0.2 - 0.1 * index:.2f}, {0.05 * index:.2f}"
+    return f"<Camera:RigRelatives>{angles}</Camera:RigRelatives>"
+
+
 def band_tiff(band, index, centre, fwhm):
     """One band of a five-band capture."""
     width, height = 1280, 960
@@ -125,6 +136,8 @@ def band_tiff(band, index, centre, fwhm):
 <Camera:CentralWavelength>{centre}</Camera:CentralWavelength>
 <Camera:WavelengthFWHM>{fwhm}</Camera:WavelengthFWHM>
 <Camera:RigCameraIndex>{index}</Camera:RigCameraIndex>
+<Camera:RigRelativesReferenceRigCameraIndex>{REFERENCE_BAND}</Camera:RigRelativesReferenceRigCameraIndex>
+{pose(index)}
 </rdf:Description></rdf:RDF></x:xmpmeta>"""
     main.update({
         0x0100: (LONG, width), 0x0101: (LONG, height), 0x0102: (SHORT, 16), 0x0103: (SHORT, 32773),

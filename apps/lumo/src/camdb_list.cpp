@@ -52,13 +52,19 @@ QJsonObject toJson(const RigModel& rig, CameraSource source)
     QJsonArray cameras;
     for (std::size_t i = 0; i < rig.cameraCount(); ++i) {
         const RigModelCameraAttr& camera = rig.attr(i);
-        cameras.append(QJsonObject{
+        QJsonObject object{
             {"name", camera.name},
             {"enabled", camera.enabled()},
             {"exifString", camera[RigKey::ExifString]},
             {"serialNumber", camera[RigKey::SerialNumber]},
             {"detectionString", camera[RigKey::DetectionString]},
-            {"bands", QJsonArray::fromStringList(camera.bands().names())}});
+            {"bands", QJsonArray::fromStringList(camera.bands().names())}};
+        if (i != rig.refCameraIndex) {
+            const rig_relatives_t& pose = rig.secondaries[rig.secCameraIndex(i)].relatives;
+            object["rotationDeg"] = QJsonArray{pose.rotX, pose.rotY, pose.rotZ};
+            object["translation"] = QJsonArray{pose.transl.x(), pose.transl.y(), pose.transl.z()};
+        }
+        cameras.append(object);
     }
     return {
         {"kind", "rig"},

@@ -257,7 +257,7 @@ ExitCode saveRig(const QStringList& paths, const QString& name, const CommonOpti
         return failed(name, error);
     }
     if (!database.setRigModel(rig, true)) {
-        return failed(name, QStringLiteral("is known already, or could not be saved"));
+        return failed(name, QStringLiteral("could not be saved"));
     }
     printText(QStringLiteral("%1: %2 cameras\n").arg(rig.name, QString::number(rig.cameraCount())));
     return exitCode;

@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 TEST(Rig, ACompleteCaptureIsAssigned)
@@ -46,6 +48,31 @@ TEST(Rig, ALostBandIsSaidAndShownAsAGap)
     EXPECT_EQ(cameras["NIR"].toString(), "flight_0001_4.tif");
     EXPECT_TRUE(cameras["Red edge"].isNull());
     EXPECT_EQ(cameras.size(), 5);
+}
+
+TEST(Rig, TheImagesOwnPosesMakeAUserRig)
+{
+    const QTemporaryDir folder;
+    const auto run = [&folder](const QStringList& arguments) {
+        return runProgram(QStringList{"--data-dir", folder.path()} + arguments);
+    };
+    const ProgramRun saved = run({"rig", "--save", "Mine", samplePath("images")});
+    EXPECT_EQ(saved.exitCode, 0) << saved.err.toStdString();
+    EXPECT_EQ(saved.out, "Mine: 5 cameras\n");
+    const QJsonObject rig = run({"camdb", "show", "Mine", "--json"}).records().front();
+    EXPECT_EQ(rig["referenceCamera"].toInt(), 1);
+    const QJsonArray cameras = rig["cameras"].toArray();
+    EXPECT_EQ(cameras[2].toObject()["rotationDeg"].toArray(), (QJsonArray{-0.25, 0.0, 0.1}));
+    EXPECT_FALSE(cameras[1].toObject().contains("rotationDeg"));
+
+    const std::vector<QJsonObject> found = run({"rig", "--json", samplePath("images")}).records();
+    const auto capture = std::find_if(found.begin(), found.end(), [](const QJsonObject& record) {
+        return record["capture"].toString() == "Smp1Capture0001";
+    });
+    ASSERT_NE(capture, found.end());
+    EXPECT_EQ((*capture)["rig"].toString(), "Mine");
+    EXPECT_EQ((*capture)["source"].toString(), "user");
+    EXPECT_TRUE((*capture)["serialMatched"].toBool());
 }
 
 } // namespace
