@@ -117,41 +117,42 @@ std::vector<RigModel> allRigs(const CameraModelDb& database)
         rigs.emplace(rig.name, std::move(rig)); // the user's come first
     }
     std::vector<RigModel> result;
+    result.reserve(rigs.size());
     for (auto& [name, rig] : rigs) {
         result.push_back(std::move(rig));
     }
     return result;
 }
 
-/// One "field: value" line for each field of a record, indented.
+/// A value in one line; the items of a list are separated.
+QString valueText(const QJsonValue& value, const QString& separator)
+{
+    if (!value.isArray()) {
+        return value.toVariant().toString();
+    }
+    QStringList items;
+    for (const QJsonValue item : value.toArray()) {
+        items.append(valueText(item, QStringLiteral(", ")));
+    }
+    return items.join(separator);
+}
+
+/// A "field: value" line for each field of a record, indented; the records that a
+/// field holds follow it one by one.
 QString details(const QJsonObject& record, const QString& indent)
 {
     QString text;
     for (auto field = record.begin(); field != record.end(); ++field) {
-        if (field->isArray() && field->toArray().first().isObject()) {
-            int number = 0;
-            for (const QJsonValue& item : field->toArray()) {
-                text += indent + QStringLiteral("camera %1:\n").arg(number++);
-                text += details(item.toObject(), indent + QStringLiteral("  "));
-            }
+        const QJsonArray items = field->toArray();
+        if (items.isEmpty() || !items.first().isObject()) {
+            text += indent + field.key() + QStringLiteral(": ") +
+                    valueText(*field, QStringLiteral("; ")) + QLatin1Char('\n');
             continue;
         }
-        QStringList parts;
-        if (field->isArray()) {
-            for (const QJsonValue& item : field->toArray()) {
-                QStringList names;
-                for (const QJsonValue& name : item.toArray()) {
-                    names.append(name.toString());
-                }
-                parts.append(
-                    item.isArray() ? names.join(QStringLiteral(", "))
-                                   : item.toVariant().toString());
-            }
-        } else {
-            parts.append(field->toVariant().toString());
+        for (int i = 0; i < items.size(); ++i) {
+            text += indent + QStringLiteral("%1 %2:\n").arg(field.key()).arg(i) +
+                    details(items[i].toObject(), indent + QStringLiteral("  "));
         }
-        text += indent + field.key() + QStringLiteral(": ") + parts.join(QStringLiteral("; ")) +
-                QLatin1Char('\n');
     }
     return text;
 }

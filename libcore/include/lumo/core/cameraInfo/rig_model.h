@@ -53,9 +53,9 @@ public:
         const QString& rigName = QString(),
         RigCameraDetection detection = RigCameraDetection::ByCameraOrder);
     RigImpl(const RigImpl&) = default;
-    RigImpl(RigImpl&&) = default;
+    RigImpl(RigImpl&&) noexcept = default;
     RigImpl& operator=(const RigImpl&) = default;
-    RigImpl& operator=(RigImpl&&) = default;
+    RigImpl& operator=(RigImpl&&) noexcept = default;
     virtual ~RigImpl();
 
     [[nodiscard]] std::size_t cameraCount() const { return secondaries.size() + 1; }
