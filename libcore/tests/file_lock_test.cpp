@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/common/file_lock.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -50,6 +51,31 @@ TEST(FileLock, OneThatAKilledProcessLeftIsTakenOver)
     timer.start();
     EXPECT_TRUE(lock.tryLock(5000));
     EXPECT_LT(timer.elapsed(), 5000);
+}
+
+TEST(FileLock, OneThatAProcessLeftBeforeItWroteItsNumberIsTakenOver)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("data"));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    QFile left(folder.filePath("data.lock"));
+    ASSERT_TRUE(left.open(QIODevice::WriteOnly));
+    left.close();
+    EXPECT_TRUE(FileLock(file).tryLock(5000));
+}
+
+TEST(FileLock, OneThatIsHeldIsNotTakenOverHoweverOldItIs)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("data"));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    FileLock lock(file);
+    ASSERT_TRUE(lock.tryLock(0));
+    QFile held(folder.filePath("data.lock"));
+    ASSERT_TRUE(held.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(held.setFileTime(
+        QDateTime::currentDateTimeUtc().addDays(-1), QFileDevice::FileModificationTime));
+    EXPECT_FALSE(FileLock(file).tryLock(1500));
 }
 
 } // namespace

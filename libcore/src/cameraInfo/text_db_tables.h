@@ -85,9 +85,9 @@ struct RigBandRow
 [[nodiscard]] const std::vector<Column<RigBandRow>>& rigBandColumns();
 
 /// What the first line says before the version of the form.
-inline constexpr QLatin1String kTitle("lumo camera database");
+inline const QLatin1String kTitle("lumo camera database");
 inline constexpr int kFormVersion = 1;
 /// The last line.
-inline constexpr QLatin1String kEndMark("[end]");
+inline const QLatin1String kEndMark("[end]");
 
 } // namespace lumo::cameradb::textdb

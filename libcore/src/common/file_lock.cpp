@@ -9,9 +9,12 @@ FileLock::FileLock(const QFile& file)
     : m_file(file)
     , m_lock(file.fileName() + QStringLiteral(".lock"))
 {
-    // A holder that is alive may take long; one that is not is found by its
-    // process number, whatever the time.
-    m_lock.setStaleLockTime(0);
+    // A holder that was killed is found by its process number, at once. One that
+    // was killed before it wrote that number left an empty file, which only its
+    // age tells. A holder that is alive may take longer: its file is also locked
+    // in the system, and then not removed.
+    constexpr int kUnfinishedAfterMs = 1000;
+    m_lock.setStaleLockTime(kUnfinishedAfterMs);
 }
 
 bool FileLock::tryLock(int timeoutMs)
