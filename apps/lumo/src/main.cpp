@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "command_line.h"
 #include "interrupt.h"
-#include "lumo/core/xml/register_xml_converters.h"
+#include "lumo/core/services/core_services.h"
 #include "lumo/foundation/log.h"
 
 #include <QCoreApplication>
@@ -32,9 +32,9 @@ int main(int argc, char** argv)
     if (!request.run) {
         return request.exitCode;
     }
+    static_cast<void>(lumo::CoreServices::instance());
     lumo::log::addSink(
         lumo::log::makeStderrSink(shownLevel(request.verbosity), request.verbosity > 0));
-    lumo::registerXmlConverters();
     lumo::program::catchInterrupt();
     return request.run();
 }

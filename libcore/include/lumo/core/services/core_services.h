@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/export.h"
+
+#include <memory>
+
+namespace lumo {
+
+class ApplicationStateService;
+class CameraModelService;
+class ProgressStatusService;
+class StatusBarService;
+
+/// Owns the services of the process, one of each.
+///
+/// The one registry is made by the first call of instance(), from whichever
+/// thread; others that come meanwhile wait for it. An application calls it first
+/// of all, on its main thread: making it also registers the XML conversion steps
+/// and leads the solvers' messages into the log. It lives until the static
+/// objects are destroyed, so past the application object of Qt.
+class LUMO_CORE_EXPORT CoreServices
+{
+public:
+    [[nodiscard]] static CoreServices& instance();
+
+    CoreServices(const CoreServices&) = delete;
+    CoreServices& operator=(const CoreServices&) = delete;
+    /// Deletes the services in the reverse order of their creation.
+    virtual ~CoreServices();
+
+    // The references hold as long as the registry. From any thread.
+    [[nodiscard]] ApplicationStateService& applicationState() { return *m_applicationState; }
+    [[nodiscard]] ProgressStatusService& progressStatus() { return *m_progressStatus; }
+    [[nodiscard]] StatusBarService& statusBar() { return *m_statusBar; }
+    [[nodiscard]] CameraModelService& cameraModelService() { return *m_cameraModelService; }
+
+protected:
+    /// For instance(), and for tests, which derive to have services of their own.
+    CoreServices();
+
+private:
+    // Made in this order, deleted in the reverse one.
+    std::unique_ptr<ApplicationStateService> m_applicationState;
+    std::unique_ptr<ProgressStatusService> m_progressStatus;
+    std::unique_ptr<StatusBarService> m_statusBar;
+    std::unique_ptr<CameraModelService> m_cameraModelService;
+};
+
+// The services of CoreServices::instance(). What each may be asked from which
+// thread stands with its class.
+
+[[nodiscard]] LUMO_CORE_EXPORT ApplicationStateService& serviceApplicationState();
+[[nodiscard]] LUMO_CORE_EXPORT ProgressStatusService& serviceProgress();
+[[nodiscard]] LUMO_CORE_EXPORT StatusBarService& serviceStatusBar();
+[[nodiscard]] LUMO_CORE_EXPORT CameraModelService& serviceCamDB();
+
+} // namespace lumo

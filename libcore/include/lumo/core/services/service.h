@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/export.h"
+
+namespace lumo {
+
+/// What all services of the process have in common: CoreServices owns one of
+/// each, as long as the process lives.
+class LUMO_CORE_EXPORT Service
+{
+public:
+    Service();
+    Service(const Service&) = delete;
+    Service& operator=(const Service&) = delete;
+    virtual ~Service();
+};
+
+} // namespace lumo

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/pipeline/export.h"
+
+#include <QMetaType>
+#include <QString>
+
+#include <cstdint>
+
+namespace lumo {
+
+/// What the processing pipeline can be doing, in the order in which a project
+/// goes through it. The numbers are kept: a new step takes a number of its own.
+enum class ProcessingStep : std::int32_t {
+    None = -1, ///< nothing is being done
+
+    // From images to calibrated cameras
+    ImageImport = 0,
+    MetadataReading = 1,
+    KeypointExtraction = 2,
+    KeypointMatching = 3,
+    InitialOrientation = 4, ///< poses of the cameras relative to each other
+    BundleAdjustment = 5,
+    Georeferencing = 6,
+    Rematching = 7, ///< further matches, found with the adjusted poses
+    QualityReport = 8,
+
+    // From calibrated cameras to points and surfaces
+    ImageRectification = 9,
+    PointCloudDensification = 10,
+    PointCloudFiltering = 11,
+    PointCloudClassification = 12,
+    MeshReconstruction = 13,
+    MeshTexturing = 14,
+
+    // From points to maps
+    SurfaceModel = 15,
+    TerrainModel = 16,
+    ContourLines = 17,
+    Orthomosaic = 18,
+    ReflectanceMap = 19,
+    IndexMap = 20,
+};
+
+namespace text {
+
+/// The step's name as it stands in a sentence, such as "bundle adjustment";
+/// "none" for no step and "unknown" for a number that is none of the steps.
+[[nodiscard]] LUMO_PIPELINE_EXPORT QString toString(const ProcessingStep& step);
+
+} // namespace text
+} // namespace lumo
+
+// So that the steps travel through queued connections.
+Q_DECLARE_METATYPE(lumo::ProcessingStep)
