@@ -2,7 +2,6 @@
 #include "lumo/core/common/file_lock.h"
 
 #include <QDateTime>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -47,10 +46,7 @@ TEST(FileLock, OneThatAKilledProcessLeftIsTakenOver)
     ASSERT_EQ(status, 0);
     ASSERT_TRUE(QFile::exists(folder.filePath("data.lock")));
     FileLock lock(file);
-    QElapsedTimer timer;
-    timer.start();
     EXPECT_TRUE(lock.tryLock(5000));
-    EXPECT_LT(timer.elapsed(), 5000);
 }
 
 TEST(FileLock, OneThatAProcessLeftBeforeItWroteItsNumberIsTakenOver)
