@@ -5,6 +5,7 @@
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
+#include "xml/quick_schema.h"
 #include "xml/restricted_network.h"
 
 #include <QAbstractMessageHandler>
@@ -103,6 +104,8 @@ public:
 
     [[nodiscard]] bool load(const QString& path);
     [[nodiscard]] bool validate(const QByteArray& document, const QUrl& uri);
+    /// As `validate`, for what checkXml let pass.
+    [[nodiscard]] bool validateChecked(const QByteArray& document, const QUrl& uri);
     /// The content of a file if it is XML that may be looked at further.
     [[nodiscard]] bool read(const QString& path, QByteArray& content);
     void report(const QString& description, const QUrl& uri);
@@ -112,6 +115,7 @@ public:
     QXmlSchema schema;
     FirstMessageHandler handler;
     std::unique_ptr<QXmlSchemaValidator> validator; ///< null until a schema was loaded
+    QuickSchema quick;                              ///< of the same schema
     QString xsdPath;                                ///< of the schema loaded last
 };
 
@@ -159,6 +163,7 @@ bool XmlValidator::Impl::load(const QString& path)
     validator = std::make_unique<QXmlSchemaValidator>(schema);
     validator->setMessageHandler(&handler);
     validator->setNetworkAccessManager(&documentAccess);
+    quick = QuickSchema(content);
     return true;
 }
 
@@ -169,7 +174,12 @@ bool XmlValidator::Impl::validate(const QByteArray& document, const QUrl& uri)
         report(reason, uri);
         return false;
     }
-    return validator->validate(document, uri);
+    return validateChecked(document, uri);
+}
+
+bool XmlValidator::Impl::validateChecked(const QByteArray& document, const QUrl& uri)
+{
+    return quick.accepts(document) || validator->validate(document, uri);
 }
 
 XmlValidator::XmlValidator()
@@ -204,7 +214,7 @@ bool XmlValidator::validateXml(const QString& xmlFile)
 {
     QByteArray document;
     return m_impl->validator && m_impl->read(xmlFile, document) &&
-           m_impl->validator->validate(document, QUrl::fromLocalFile(xmlFile));
+           m_impl->validateChecked(document, QUrl::fromLocalFile(xmlFile));
 }
 
 bool XmlValidator::validateXml(const QString& xmlFile, QString& error)
