@@ -28,6 +28,12 @@ ExitCode exportTo(const QString& file, bool internal, const CommonOptions& optio
 {
     CameraModelDb database = openDatabase(options);
     const bool loaded = loadDatabase(database);
+    if (!internal && !isTextDb(file)) {
+        if (!CameraDbIo(database).exportUserXML(file)) {
+            return failed(file, QStringLiteral("could not be exported"));
+        }
+        return loaded ? AllDone : SomethingFailed;
+    }
     const cameradb::CameraDBData& data = internal ? database.internalData() : database.userData();
     QString text;
     QString error;

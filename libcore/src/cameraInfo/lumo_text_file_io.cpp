@@ -20,12 +20,25 @@ bool decodeUtf8(const QByteArray& bytes, QString& text)
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
-/// Removes the empty file that locking had to make, unless it has been filled.
-void removeIfEmpty(const QString& path)
+/// Locks the file that is to be replaced. One that does not exist yet has no
+/// content that another process could be at; making it for the lock's sake would
+/// show others an empty file.
+bool lockExisting(QFile& file, FileLock& lock)
 {
-    if (QFile(path).size() == 0) {
-        QFile::remove(path);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
+        if (!file.exists()) {
+            return true;
+        }
+        log::important()
+            << QStringLiteral("Cannot open file '%1' for writing:").arg(file.fileName())
+            << file.errorString();
+        return false;
     }
+    if (!lock.tryLock(kLockTimeoutMs)) {
+        log::important() << QStringLiteral("Unable to lock file '%1'").arg(file.fileName());
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -60,25 +73,13 @@ bool TextFileIO::readFile(const QString& path, bool lock)
 bool TextFileIO::writeFile(const QString& path, bool lock)
 {
     QFile file(path);
-    const bool isNew = !file.exists();
     FileLock fileLock(file);
-    if (lock) {
-        if (!file.open(QIODevice::ReadWrite)) {
-            log::important() << QStringLiteral("Cannot open file '%1' for writing:").arg(path)
-                             << file.errorString();
-            return false;
-        }
-        if (!fileLock.tryLock(kLockTimeoutMs)) {
-            log::important() << QStringLiteral("Unable to lock file '%1'").arg(path);
-            return false;
-        }
+    if (lock && !lockExisting(file, fileLock)) {
+        return false;
     }
     QString error;
     if (!file::replaceAtomically(path, m_content.toUtf8(), error)) {
         log::important() << QStringLiteral("Cannot open file '%1' for writing:").arg(path) << error;
-        if (lock && isNew) {
-            removeIfEmpty(path);
-        }
         return false;
     }
     return true;
