@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/foundation/system.h"
 
-#include <QCoreApplication>
-#include <unistd.h>
+#include "lumo/foundation/system_limits.h"
 
-#include <algorithm>
-#include <cmath>
-#include <thread>
+#include <QCoreApplication>
 
 namespace lumo::system {
 
@@ -22,15 +19,12 @@ QString& chosenDirectory()
 
 int noLogicalCPUs()
 {
-    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    return cpuLimit().cpus;
 }
 
 int installedRAMGB()
 {
-    constexpr double kGiB = 1024.0 * 1024.0 * 1024.0;
-    const double bytes =
-        static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
-    return std::max(1, static_cast<int>(std::lround(bytes / kGiB)));
+    return wholeGB(memoryLimit());
 }
 
 QString applicationDirectory()

@@ -4,6 +4,7 @@
 #include "camdb_command.h"
 #include "identify_command.h"
 #include "lumo/core/common/build_info.h"
+#include "resources_command.h"
 #include "rig_command.h"
 
 #include <CLI/CLI.hpp>
@@ -11,6 +12,7 @@
 #include <QStandardPaths>
 #include <QStringList>
 
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,6 +30,7 @@ struct Arguments
     std::string second; ///< second one
     std::string serialNumber;
     std::string rigName;
+    ResourceRequest resources;
     bool matrix = false;
     bool overwrite = false;
     bool internal = false;
@@ -186,6 +189,25 @@ void addDatabaseCommands(CLI::App& app, Run& run, Arguments& arguments)
         [&arguments] { return camdb::selftest(arguments.common); });
 }
 
+void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
+{
+    CLI::App* command = addCommand(
+        app, run, "resources", "Show the CPUs, memory and GPUs for processing, and what set each",
+        "lumo resources --max-cpus 4",
+        [&arguments] { return showResources(arguments.resources, arguments.common); });
+    constexpr int kMostRamGB = 2097151; // beyond it, an int does not hold the MB
+    command->add_option("--max-cpus", arguments.resources.maxCPUs, "CPU threads at most")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    command->add_option("--max-ram-gb", arguments.resources.maxRamGB, "Memory at most, in GB")
+        ->check(CLI::Range(1, kMostRamGB));
+    command
+        ->add_option(
+            "--disable-gpu", arguments.resources.disabledGpus,
+            "Leave this GPU out (from 0; may be given again)")
+        ->allow_extra_args(false)
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()));
+}
+
 } // namespace
 
 Request parseCommandLine(int argc, char** argv)
@@ -205,6 +227,7 @@ Request parseCommandLine(int argc, char** argv)
     Run run;
     addImageCommands(app, run, *arguments);
     addDatabaseCommands(app, run, *arguments);
+    addResourcesCommand(app, run, *arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -7,10 +7,13 @@
 
 namespace lumo::system {
 
-/// Logical processors of this machine, at least 1.
+/// Logical processors that this process may use, at least 1: fewer than the machine
+/// has where the process is bound to some of them, or a control group (a container's,
+/// say) grants less. system_limits.h tells which.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT int noLogicalCPUs();
 
-/// Installed memory in GiB, rounded to the nearest, at least 1.
+/// Memory that this process may use, in GiB, at least 1: what is installed, rounded to
+/// the nearest, or what a control group grants, rounded down.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT int installedRAMGB();
 
 /// The folder below which data files (schemas, stylesheets) are found: that of
