@@ -1,20 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "image_reading.h"
 
-#include "interrupt.h"
+#include "lumo/core/services/core_services.h"
+#include "lumo/core/services/progress_status_service.h"
 #include "lumo/exif/read_exif.h"
-#include "progress_bar.h"
 
 namespace lumo::program {
+namespace {
+
+const QSet<QString>& imageExtensions()
+{
+    static const QSet<QString> extensions = {
+        "3fr", "arw",  "avif", "bmp", "cr2", "cr3",  "crw",  "dng", "erf", "exv",
+        "fff", "heic", "heif", "iiq", "j2k", "jp2",  "jpeg", "jpg", "jxl", "kdc",
+        "mef", "mos",  "mrw",  "nef", "nrw", "orf",  "pef",  "png", "raf", "raw",
+        "rw2", "rwl",  "sr2",  "srw", "tif", "tiff", "webp", "x3f"};
+    return extensions;
+}
+
+} // namespace
 
 void readImages(const QStringList& arguments, const ImageRead& read, const PathFailure& failed)
 {
-    const QStringList files = listImageFiles(arguments, failed);
-    ProgressBar progress(
-        QStringLiteral("Reading metadata"), static_cast<std::size_t>(files.size()));
+    const QStringList files = listFiles(arguments, imageExtensions(), failed);
+    unsigned long long done = 0;
     for (const QString& file : files) {
-        if (interrupted()) {
-            progress.clear();
+        if (serviceProgress().shouldStop()) {
             failed(file, QStringLiteral("stopped before this file"));
             return;
         }
@@ -23,10 +34,11 @@ void readImages(const QStringList& arguments, const ImageRead& read, const PathF
         if (exif::readExif(file, exif, error)) {
             read(file, exif);
         } else {
-            progress.clear();
             failed(file, error);
         }
-        progress.advance();
+        serviceProgress().setProgress(
+            ++done, static_cast<unsigned long long>(files.size()),
+            QStringLiteral("Reading metadata"));
     }
 }
 

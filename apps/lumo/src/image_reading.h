@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "image_files.h"
+#include "file_listing.h"
 #include "lumo/cameradata/exif_info.h"
 
 #include <QStringList>

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "interrupt.h"
 
+#include "lumo/core/services/core_services.h"
+#include "lumo/core/services/progress_status_service.h"
+
 #include <csignal>
 
 namespace lumo::program {
 namespace {
 
-volatile std::sig_atomic_t stopAsked = 0;
-
+/// What it calls sets a lock-free flag: the services exist since before the
+/// handler was installed.
 void askForStop(int)
 {
-    stopAsked = 1;
+    serviceProgress().stop();
     std::signal(SIGINT, SIG_DFL);
 }
 
@@ -18,12 +21,8 @@ void askForStop(int)
 
 void catchInterrupt()
 {
+    serviceProgress().start();
     std::signal(SIGINT, askForStop);
-}
-
-bool interrupted()
-{
-    return stopAsked != 0;
 }
 
 } // namespace lumo::program

@@ -3,11 +3,8 @@
 
 namespace lumo::program {
 
-/// Makes Ctrl-C ask for a stop instead of ending the process; a second Ctrl-C
-/// ends it.
+/// Makes Ctrl-C ask the progress service for a stop instead of ending the
+/// process; a second Ctrl-C ends it.
 void catchInterrupt();
-
-/// Whether a stop was asked for.
-[[nodiscard]] bool interrupted();
 
 } // namespace lumo::program

@@ -3,6 +3,7 @@
 #include "interrupt.h"
 #include "lumo/core/services/core_services.h"
 #include "lumo/foundation/log.h"
+#include "progress_bar.h"
 
 #include <QCoreApplication>
 
@@ -19,6 +20,19 @@ lumo::log::Level shownLevel(int verbosity)
     return verbosity == 1 ? Level::Info : Level::Debug;
 }
 
+void showLog(int verbosity)
+{
+    using namespace lumo;
+    const log::Level shown = shownLevel(verbosity);
+    // Sinks are written to in the order in which they were added.
+    log::addSink(log::makeCallbackSink([shown](const log::Record& record) {
+        if (record.level >= shown) {
+            program::hideProgressBar();
+        }
+    }));
+    log::addSink(log::makeStderrSink(shown, verbosity > 0));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -33,8 +47,8 @@ int main(int argc, char** argv)
         return request.exitCode;
     }
     static_cast<void>(lumo::CoreServices::instance());
-    lumo::log::addSink(
-        lumo::log::makeStderrSink(shownLevel(request.verbosity), request.verbosity > 0));
+    showLog(request.verbosity);
     lumo::program::catchInterrupt();
+    const lumo::program::ProgressBar progressBar;
     return request.run();
 }

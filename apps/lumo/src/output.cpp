@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "output.h"
 
+#include "progress_bar.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -10,6 +12,7 @@ namespace lumo::program {
 
 void sayFailure(const QString& file, const QString& reason)
 {
+    hideProgressBar();
     std::fputs(QStringLiteral("lumo: %1: %2\n").arg(file, reason).toUtf8().constData(), stderr);
 }
 
@@ -22,12 +25,14 @@ ExitCode failed(const QString& what, const QString& reason)
 void printJsonLine(const QJsonObject& object)
 {
     const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    hideProgressBar();
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
     std::fflush(stdout);
 }
 
 void printText(const QString& text)
 {
+    hideProgressBar();
     std::fputs(text.toUtf8().constData(), stdout);
 }
 

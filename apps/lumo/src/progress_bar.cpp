@@ -1,56 +1,71 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "progress_bar.h"
 
+#include "lumo/processing/processing_blob.h"
+
+#include <QString>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
-#include <utility>
+#include <mutex>
 
 namespace lumo::program {
 namespace {
 
-constexpr qint64 kFirstAfterMs = 1000;
-constexpr qint64 kThenEveryMs = 100;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kFirstAfter{1};
 constexpr int kBarWidth = 30;
+
+/// Progress may come from any thread.
+std::mutex lineMutex;
+bool lineShown = false;
+
+void hideLine()
+{
+    if (lineShown) {
+        std::fputs("\r\033[K", stderr);
+        lineShown = false;
+    }
+}
+
+void showLine(const Progress& progress)
+{
+    const std::lock_guard lock(lineMutex);
+    hideLine();
+    if (progress.percent >= 100) {
+        return;
+    }
+    const QString bar = QString(progress.percent * kBarWidth / 100, QLatin1Char('#'))
+                            .leftJustified(kBarWidth, QLatin1Char('.'));
+    const QString line =
+        QStringLiteral("%1 [%2] %3 %").arg(progress.text, bar).arg(progress.percent);
+    std::fputs(line.toLocal8Bit().constData(), stderr);
+    lineShown = true;
+}
 
 } // namespace
 
-ProgressBar::ProgressBar(QString text, std::size_t total)
-    : m_text(std::move(text))
-    , m_total(total)
-    , m_terminal(isatty(STDERR_FILENO) != 0)
-    , m_nextAt(kFirstAfterMs)
-{
-    m_timer.start();
-}
+ProgressBar::ProgressBar()
+    : m_listener(ProcessingBlob::instance().addListener(
+          [terminal = isatty(STDERR_FILENO) != 0, begin = Clock::now()](const Progress& progress) {
+              if (terminal && Clock::now() - begin >= kFirstAfter) {
+                  showLine(progress);
+              }
+          }))
+{}
 
 ProgressBar::~ProgressBar()
 {
-    clear();
+    ProcessingBlob::instance().removeListener(m_listener);
+    hideProgressBar();
 }
 
-void ProgressBar::advance()
+void hideProgressBar()
 {
-    ++m_done;
-    if (!m_terminal || m_timer.elapsed() < m_nextAt) {
-        return;
-    }
-    m_nextAt = m_timer.elapsed() + kThenEveryMs;
-    const int filled = static_cast<int>(m_done * kBarWidth / m_total);
-    const QString bar =
-        QString(filled, QLatin1Char('#')).leftJustified(kBarWidth, QLatin1Char('.'));
-    const QString line =
-        QStringLiteral("\r%1 [%2] %3/%4").arg(m_text, bar).arg(m_done).arg(m_total);
-    std::fputs(line.toLocal8Bit().constData(), stderr);
-    m_shown = true;
-}
-
-void ProgressBar::clear()
-{
-    if (m_shown) {
-        std::fputs("\r\033[K", stderr);
-        m_shown = false;
-    }
+    const std::lock_guard lock(lineMutex);
+    hideLine();
 }
 
 } // namespace lumo::program

@@ -1,24 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "image_files.h"
+#include "file_listing.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSet>
 
 namespace lumo::program {
 namespace {
 
-bool isImageName(const QFileInfo& file)
-{
-    static const QSet<QString> extensions = {
-        "3fr", "arw",  "avif", "bmp", "cr2", "cr3",  "crw",  "dng", "erf", "exv",
-        "fff", "heic", "heif", "iiq", "j2k", "jp2",  "jpeg", "jpg", "jxl", "kdc",
-        "mef", "mos",  "mrw",  "nef", "nrw", "orf",  "pef",  "png", "raf", "raw",
-        "rw2", "rwl",  "sr2",  "srw", "tif", "tiff", "webp", "x3f"};
-    return extensions.contains(file.suffix().toLower());
-}
-
-void listFolder(const QString& folder, QStringList& files, const PathFailure& failed)
+void listFolder(
+    const QString& folder, const QSet<QString>& extensions, QStringList& files,
+    const PathFailure& failed)
 {
     const QDir directory(folder);
     if (!QFileInfo(folder).isReadable() || !QFileInfo(folder).isExecutable()) {
@@ -30,9 +21,9 @@ void listFolder(const QString& folder, QStringList& files, const PathFailure& fa
     for (const QFileInfo& entry : entries) {
         if (entry.isDir()) {
             if (!entry.isSymLink()) {
-                listFolder(entry.filePath(), files, failed);
+                listFolder(entry.filePath(), extensions, files, failed);
             }
-        } else if (isImageName(entry)) {
+        } else if (extensions.contains(entry.suffix().toLower())) {
             files.append(entry.filePath());
         }
     }
@@ -40,7 +31,8 @@ void listFolder(const QString& folder, QStringList& files, const PathFailure& fa
 
 } // namespace
 
-QStringList listImageFiles(const QStringList& arguments, const PathFailure& failed)
+QStringList listFiles(
+    const QStringList& arguments, const QSet<QString>& extensions, const PathFailure& failed)
 {
     QStringList files;
     for (const QString& argument : arguments) {
@@ -48,7 +40,7 @@ QStringList listImageFiles(const QStringList& arguments, const PathFailure& fail
         if (!path.exists()) {
             failed(argument, QStringLiteral("No such file or folder"));
         } else if (path.isDir()) {
-            listFolder(argument, files, failed);
+            listFolder(argument, extensions, files, failed);
         } else {
             files.append(argument);
         }
