@@ -109,6 +109,9 @@ public:
     /// The content of a file if it is XML that may be looked at further.
     [[nodiscard]] bool read(const QString& path, QByteArray& content);
     void report(const QString& description, const QUrl& uri);
+    /// \param[out] error  the first fault of the latest validation
+    /// \returns false
+    [[nodiscard]] bool tellFirst(QString& error) const;
 
     RestrictedNetwork schemaAccess{RestrictedNetwork::Access::LocalFiles};
     RestrictedNetwork documentAccess{RestrictedNetwork::Access::None};
@@ -128,6 +131,12 @@ XmlValidator::Impl::Impl()
 void XmlValidator::Impl::report(const QString& description, const QUrl& uri)
 {
     handler.message(QtFatalMsg, description, QUrl(), QSourceLocation(uri));
+}
+
+bool XmlValidator::Impl::tellFirst(QString& error) const
+{
+    error = validator ? handler.first : QStringLiteral("no schema is loaded");
+    return false;
 }
 
 bool XmlValidator::Impl::read(const QString& path, QByteArray& content)
@@ -220,11 +229,13 @@ bool XmlValidator::validateXml(const QString& xmlFile)
 bool XmlValidator::validateXml(const QString& xmlFile, QString& error)
 {
     m_impl->handler.first.clear();
-    if (validateXml(xmlFile)) {
-        return true;
-    }
-    error = m_impl->validator ? m_impl->handler.first : QStringLiteral("no schema is loaded");
-    return false;
+    return validateXml(xmlFile) || m_impl->tellFirst(error);
+}
+
+bool XmlValidator::validateXml(QIODevice& device, QString& error)
+{
+    m_impl->handler.first.clear();
+    return validateXml(device) || m_impl->tellFirst(error);
 }
 
 } // namespace xml

@@ -50,6 +50,8 @@ public:
     /// \param[out] error  if not valid the first fault, "line L, column C: reason"
     ///     where a place is known; else untouched
     [[nodiscard]] bool validateXml(const QString& xmlFile, QString& error);
+    /// Likewise for an open device.
+    [[nodiscard]] bool validateXml(QIODevice& device, QString& error);
 
 private:
     class Impl;
