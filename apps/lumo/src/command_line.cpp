@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "command_line.h"
 
+#include "align_command.h"
 #include "camdb_command.h"
 #include "identify_command.h"
 #include "lumo/core/common/build_info.h"
@@ -28,9 +29,12 @@ struct Arguments
     std::vector<std::string> paths;
     std::string first;  ///< first positional argument of a camdb command
     std::string second; ///< second one
+    ResourceRequest resources;
     std::string serialNumber;
     std::string rigName;
-    ResourceRequest resources;
+    AlignRequest align;
+    std::string jsonFile;
+    std::string reportFile;
     bool matrix = false;
     bool overwrite = false;
     bool internal = false;
@@ -189,6 +193,36 @@ void addDatabaseCommands(CLI::App& app, Run& run, Arguments& arguments)
         [&arguments] { return camdb::selftest(arguments.common); });
 }
 
+void addAlignCommand(CLI::App& app, Run& run, Arguments& arguments)
+{
+    CLI::App* command = addCommand(
+        app, run, "align", "Find the transform between two sets of points",
+        "lumo align --outliers 0.2 --report site.html points.csv", [&arguments] {
+            arguments.align.pointFile = toQt(arguments.first);
+            arguments.align.jsonFile = toQt(arguments.jsonFile);
+            arguments.align.reportFile = toQt(arguments.reportFile);
+            return alignPoints(arguments.align, arguments.common);
+        });
+    AlignRequest& align = arguments.align;
+    command
+        ->add_option(
+            "POINTS", arguments.first,
+            "Table (.csv) with a header: x1,y1,z1,x2,y2,z2 and perhaps sx,sy,sz (standard "
+            "deviations of set 1) and name; set 2 is mapped onto set 1")
+        ->required();
+    command->add_option("--outliers", align.outlierRatio, "Assumed share of wrong pairs")
+        ->check(CLI::Range(0.0, 0.99))
+        ->capture_default_str();
+    command->add_option("--samples", align.samplePairs, "Pairs per random sample")
+        ->check(CLI::Range(3, 1000000))
+        ->capture_default_str();
+    command->add_option("--seed", align.seed, "Of the random samples")->capture_default_str();
+    command->add_option("-o", arguments.jsonFile, "Write the result to this JSON file, too");
+    command->add_option("--report", arguments.reportFile, "Write a report to this HTML file");
+    command->add_flag(
+        "--force", align.force, "Give a transform even where the points leave it open");
+}
+
 void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
 {
     CLI::App* command = addCommand(
@@ -228,6 +262,7 @@ Request parseCommandLine(int argc, char** argv)
     addImageCommands(app, run, *arguments);
     addDatabaseCommands(app, run, *arguments);
     addResourcesCommand(app, run, *arguments);
+    addAlignCommand(app, run, *arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: Apache-2.0
+// How OptimiseRigidTransform3D refines a transform.
+#include "init/rigid_residuals.h"
+#include "lumo/core/init/lumo_optimize_rigid_transform_3d.h"
+#include "lumo/foundation/log.h"
+#include "lumo/optimisation/gauss_mixture_model.h"
+#include "lumo/optimisation/levenberg_marquardt.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+namespace lumo {
+
+namespace {
+
+using rigidResiduals::Columns;
+using rigidResiduals::Weighted;
+
+constexpr int kParameters = 7;
+constexpr double kTolerance = 1e-14;
+constexpr double kSmallestWeightSum = 1e-5;
+constexpr std::size_t kFewestForNoise = 4;
+constexpr double kNoDeterminant = 1e256;
+
+int solverFunction(
+    void* object, int /*m*/, int /*n*/, const double* x, double* f, double* jac,
+    int leadingDimension, int flag)
+{
+    const auto& weighted = *static_cast<const Weighted*>(object);
+    if (flag == 1) {
+        rigidResiduals::functions(weighted, x, f);
+    } else if (flag == 2) {
+        rigidResiduals::jacobian(weighted, x, jac, static_cast<std::size_t>(leadingDimension));
+    }
+    return 0;
+}
+
+} // namespace
+
+void OptimiseRigidTransform3D::g(const double* x, double* f) const
+{
+    const Columns pairs{m_columns.data(), m_weights.size()};
+    rigidResiduals::functions({pairs, m_weights.data(), m_noise.inverseVariance()}, x, f);
+}
+
+void OptimiseRigidTransform3D::dg(const double* x, double* jac) const
+{
+    const Columns pairs{m_columns.data(), m_weights.size()};
+    rigidResiduals::jacobian(
+        {pairs, m_weights.data(), m_noise.inverseVariance()}, x, jac, 3 * pairs.size);
+}
+
+double OptimiseRigidTransform3D::computeEnergy() const
+{
+    std::vector<double> d(m_weights.size());
+    rigidResiduals::squaredLengths(
+        {m_columns.data(), d.size()}, m_transform, 0, d.size(), d.data());
+    double sum = 0.0;
+    double weightSum = 0.0;
+    for (std::size_t i = 0; i < d.size(); ++i) {
+        sum += m_weights[i] * d[i];
+        weightSum += m_weights[i];
+    }
+    return sum / weightSum;
+}
+
+void OptimiseRigidTransform3D::initNoise()
+{
+    const Columns pairs{m_columns.data(), m_weights.size()};
+    Points residuals;
+    residuals.reserve(pairs.size);
+    for (std::size_t i = 0; i < pairs.size; ++i) {
+        residuals.push_back(rigidResiduals::normalised(pairs, m_transform, i));
+    }
+    std::tie(m_noise, m_pOut) =
+        gaussMixtureModel::estimateNoiseAndOutlierProbability(residuals, m_weights);
+}
+
+void OptimiseRigidTransform3D::computeNoise(int iterations)
+{
+    double sum = 0.0;
+    for (int i = 0; i < iterations; ++i) {
+        sum = computeNoiseOnce();
+    }
+    m_inlierRatio = sum / static_cast<double>(m_weights.size());
+}
+
+double OptimiseRigidTransform3D::computeNoiseOnce()
+{
+    static_cast<void>(resetSmallWeights(std::accumulate(m_weights.begin(), m_weights.end(), 0.0)));
+    const Columns pairs{m_columns.data(), m_weights.size()};
+    m_noise.clear();
+    for (std::size_t i = 0; i < pairs.size; ++i) {
+        m_noise.add(rigidResiduals::normalised(pairs, m_transform, i), m_weights[i]);
+    }
+    m_noise.finish();
+    const double sum = resetSmallWeights(updateWeights());
+    const Eigen::Vector3d& variance = m_noise.variance();
+    log::debug() << "compute noise with tol pOut: " << m_pOut
+                 << " inlierRatio: " << sum / static_cast<double>(pairs.size)
+                 << " det: " << m_noise.determinant() << " cov: " << variance[0] << variance[1]
+                 << variance[2];
+    return sum;
+}
+
+double OptimiseRigidTransform3D::updateWeights()
+{
+    // A density far above that of outliers would round to 1.
+    constexpr double kLargestWeight = 1.0 - std::numeric_limits<double>::epsilon() / 2.0;
+    const Columns pairs{m_columns.data(), m_weights.size()};
+    const Eigen::Vector3d& inverse = m_noise.inverseVariance();
+    double sum = 0.0;
+    for (std::size_t i = 0; i < pairs.size; ++i) {
+        const Eigen::Vector3d e = rigidResiduals::normalised(pairs, m_transform, i);
+        const double exponent =
+            e[0] * e[0] * inverse[0] + e[1] * e[1] * inverse[1] + e[2] * e[2] * inverse[2];
+        const double p = m_noise.normalisation() * std::exp(-0.5 * exponent);
+        m_weights[i] = std::min(p / (p + m_pOut), kLargestWeight);
+        sum += m_weights[i];
+    }
+    return sum;
+}
+
+double OptimiseRigidTransform3D::resetSmallWeights(double sum)
+{
+    const std::size_t n = m_weights.size();
+    if (sum > kSmallestWeightSum && n >= kFewestForNoise) {
+        return sum;
+    }
+    log::warning() << "WARNING small weight " << sum << " / nrPoints " << n;
+    std::fill(m_weights.begin(), m_weights.end(), 1.0);
+    return static_cast<double>(n);
+}
+
+void OptimiseRigidTransform3D::optimizeLevenbergMarquardt(
+    void* object, double* x, int n, int m, double tolerance, int verbose)
+{
+    optimization::levenbergMarquardt(solverFunction, object, x, n, m, tolerance, verbose);
+}
+
+void OptimiseRigidTransform3D::compute()
+{
+    log::debug() << "OptimiseRigidTransform3D::compute() " << m_centred1.size()
+                 << m_centred2.size();
+    if (m_weights.empty()) {
+        return;
+    }
+    log::debug() << "OptimiseRigidTransform3D::compute(): error init " << computeEnergy();
+    initNoise();
+    m_noise.print();
+    double bestDet = kNoDeterminant;
+    Eigen::VectorXd x = m_transform.parameters();
+    Eigen::VectorXd bestX = x;
+    double bestInlierRatio = m_inlierRatio;
+    for (std::uint32_t r = 0; (bestDet >= m_noiseVolumeStop && r < m_maxIterations) || r <= 2;
+         ++r) {
+        const rigidResiduals::WithoutZeroWeights active(
+            {{m_columns.data(), m_weights.size()}, m_weights.data(), m_noise.inverseVariance()});
+        Weighted rows = active.rows();
+        optimizeLevenbergMarquardt(
+            &rows, x.data(), kParameters, static_cast<int>(3 * rows.pairs.size), kTolerance, 0);
+        m_transform.set(x);
+        computeNoise(1);
+        const double det = m_noise.determinant();
+        if (bestDet >= det && x.allFinite()) {
+            bestDet = det;
+            bestX = x;
+            bestInlierRatio = m_inlierRatio;
+        }
+    }
+    m_transform.set(bestX);
+    m_noise.print();
+    log::debug() << "OptimiseRigidTransform3D::compute(): error opt " << computeEnergy() << " det "
+                 << bestDet << " inlierratio " << bestInlierRatio;
+}
+
+} // namespace lumo

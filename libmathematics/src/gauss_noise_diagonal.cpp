@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/mathematics/gauss_noise_diagonal.h"
+
+#include "lumo/foundation/log.h"
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <stdexcept>
+
+namespace lumo {
+
+namespace {
+
+// Below it the ratio to the smallest determinant says nothing of the shape.
+constexpr double kSmallestScalable = 1e-10;
+
+} // namespace
+
+template <typename Scalar, int kDimension>
+GaussNoiseDiagonal<Scalar, kDimension>::GaussNoiseDiagonal()
+    : m_variance(Vector::Ones())
+    , m_inverseVariance(Vector::Ones())
+    , m_weightSum(0)
+    , m_minimumDeterminant(kDefaultMinimumDeterminant)
+    , m_maximumDeterminant(kDefaultMaximumDeterminant)
+    , m_normalisation(std::pow(2 * std::numbers::pi_v<Scalar>, Scalar(-kDimension) / 2))
+{}
+
+template <typename Scalar, int kDimension>
+void GaussNoiseDiagonal<Scalar, kDimension>::setDeterminantBounds(Scalar minimum, Scalar maximum)
+{
+    if (!(minimum > 0 && minimum <= maximum && std::isfinite(maximum))) {
+        throw std::invalid_argument("GaussNoiseDiagonal: no range of determinants");
+    }
+    m_minimumDeterminant = minimum;
+    m_maximumDeterminant = maximum;
+}
+
+template <typename Scalar, int kDimension>
+void GaussNoiseDiagonal<Scalar, kDimension>::clear()
+{
+    m_variance.setZero();
+    m_weightSum = 0;
+    m_normalisation = 0;
+}
+
+template <typename Scalar, int kDimension>
+bool GaussNoiseDiagonal<Scalar, kDimension>::clampDeterminant()
+{
+    constexpr Scalar root = Scalar(1) / kDimension;
+    const Scalar det = determinant();
+    if (det <= m_minimumDeterminant) {
+        if (std::abs(det) >= kSmallestScalable) {
+            m_variance *= std::pow(m_minimumDeterminant / det, root);
+        } else {
+            m_variance.setConstant(std::pow(m_minimumDeterminant, root));
+        }
+        return false;
+    }
+    if (det >= m_maximumDeterminant) {
+        m_variance.setConstant(std::pow(m_maximumDeterminant, root));
+        return false;
+    }
+    return true;
+}
+
+template <typename Scalar, int kDimension>
+bool GaussNoiseDiagonal<Scalar, kDimension>::finish()
+{
+    const bool nothingAdded = m_weightSum < std::numeric_limits<Scalar>::epsilon();
+    if (nothingAdded) {
+        log::important("math/GaussNoiseDiagonal", __LINE__)
+            << "GaussNoise: non-positive weightSum " << m_weightSum;
+        m_variance.setConstant(std::pow(m_maximumDeterminant, Scalar(1) / kDimension));
+    } else {
+        m_variance /= m_weightSum;
+    }
+    const bool within = clampDeterminant() && !nothingAdded;
+    m_inverseVariance = m_variance.cwiseInverse();
+    const Scalar turn = 2 * std::numbers::pi_v<Scalar>;
+    m_normalisation = 1 / std::sqrt(std::pow(turn, kDimension) * determinant());
+    return within;
+}
+
+template <typename Scalar, int kDimension>
+Scalar GaussNoiseDiagonal<Scalar, kDimension>::density(const Vector& value) const
+{
+    return m_normalisation * std::exp(Scalar(-0.5) * value.cwiseAbs2().dot(m_inverseVariance));
+}
+
+template <typename Scalar, int kDimension>
+void GaussNoiseDiagonal<Scalar, kDimension>::print() const
+{
+    log::Streamer record = log::debug();
+    record << "GaussNoiseDiagonal"
+           << " covariance:";
+    for (const Scalar variance : m_variance) {
+        record << variance;
+    }
+    record << " determinant:" << determinant();
+}
+
+template class GaussNoiseDiagonal<double, 3>;
+
+} // namespace lumo
