@@ -5,6 +5,7 @@
 #include "camdb_command.h"
 #include "identify_command.h"
 #include "lumo/core/common/build_info.h"
+#include "project_command.h"
 #include "resources_command.h"
 #include "rig_command.h"
 
@@ -35,6 +36,9 @@ struct Arguments
     AlignRequest align;
     std::string jsonFile;
     std::string reportFile;
+    project::ConvertRequest project;
+    std::string output;
+    std::string backup = "auto";
     bool matrix = false;
     bool overwrite = false;
     bool internal = false;
@@ -242,6 +246,57 @@ void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
         ->check(CLI::Range(0, std::numeric_limits<int>::max()));
 }
 
+void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
+{
+    CLI::App* convert = addCommand(
+        parent, run, "convert", "Bring files to the current format version",
+        "lumo project convert --dry-run site.kpx", [&arguments] {
+            arguments.project.paths = toQt(arguments.paths);
+            arguments.project.output = toQt(arguments.output);
+            arguments.project.backup = toQt(arguments.backup);
+            return project::convert(arguments.project, arguments.common);
+        });
+    convert
+        ->add_option(
+            "FILE", arguments.paths, "Projects (.kpx) and templates (.tmpl), or folders of them")
+        ->required();
+    convert->add_option(
+        "-o", arguments.output,
+        "Write the result here (a folder, if there are several files) instead of in place");
+    convert->add_option("--target", arguments.project.target, "Format version to convert to")
+        ->check(CLI::Range(0, project::kCurrentVersion))
+        ->capture_default_str();
+    convert
+        ->add_option(
+            "--backup", arguments.backup,
+            "In place: auto (beside the file; of templates in the data folder), none, or a path")
+        ->capture_default_str();
+    convert->add_flag(
+        "--dry-run", arguments.project.dryRun, "Say what would be done, and write nothing");
+}
+
+void addProjectCommands(CLI::App& app, Run& run, Arguments& arguments)
+{
+    CLI::App* parent = app.add_subcommand("project", "Project files and processing templates");
+    parent->require_subcommand(1);
+    parent->fallthrough();
+    const auto addFiles = [&arguments](CLI::App* command) {
+        command
+            ->add_option(
+                "FILE", arguments.paths,
+                "Projects (.kpx) and templates (.tmpl), or folders of them")
+            ->required();
+    };
+    addFiles(addCommand(
+        *parent, run, "info", "Say of what versions files are", "lumo project info site.kpx",
+        [&arguments] { return project::info(toQt(arguments.paths), arguments.common); }));
+    addProjectConvert(*parent, run, arguments);
+    addFiles(addCommand(
+        *parent, run, "validate", "Say whether files satisfy their schema",
+        "lumo project validate site.kpx",
+        [&arguments] { return project::validate(toQt(arguments.paths), arguments.common); }));
+}
+
 } // namespace
 
 Request parseCommandLine(int argc, char** argv)
@@ -263,6 +318,7 @@ Request parseCommandLine(int argc, char** argv)
     addDatabaseCommands(app, run, *arguments);
     addResourcesCommand(app, run, *arguments);
     addAlignCommand(app, run, *arguments);
+    addProjectCommands(app, run, *arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

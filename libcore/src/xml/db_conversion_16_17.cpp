@@ -3,6 +3,7 @@
 
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/core/xml/lumo_xml_validator.h"
+#include "xml/camera_renames_16.h"
 
 #include <QBuffer>
 #include <QDomDocument>
@@ -10,43 +11,11 @@
 #include <QXmlStreamReader>
 
 #include <algorithm>
-#include <map>
 #include <stdexcept>
 #include <vector>
 
 namespace lumo {
 namespace {
-
-using Names = std::map<QString, QString>;
-
-const Names& elementsInCamera()
-{
-    static const Names names{
-        {QStringLiteral("symmetricAffine3"), QStringLiteral("symmetricAffine")},
-        {QStringLiteral("source"), QStringLiteral("cameraModelSource")},
-        {QStringLiteral("cameraType"), QStringLiteral("lensType")}};
-    return names;
-}
-
-const Names& elementsInRig()
-{
-    static const Names names{{QStringLiteral("refCamera"), QStringLiteral("referenceCamera")}};
-    return names;
-}
-
-const Names& attributesOfCamera()
-{
-    static const Names names{
-        {QStringLiteral("cameraId"), QStringLiteral("name")},
-        {QStringLiteral("aliasId"), QStringLiteral("aliasName")}};
-    return names;
-}
-
-QString renamed(const Names& names, const QString& name)
-{
-    const auto found = names.find(name);
-    return found == names.end() ? name : found->second;
-}
 
 /// Reads the old document token by token and builds the new one.
 class Rewriter
@@ -172,10 +141,10 @@ QDomElement Rewriter::renamedElement(const Open& open)
     const bool inRig = inside(open, QStringLiteral("rig"));
     QString name = m_reader.name().toString();
     if (inside(open, QStringLiteral("camera"))) {
-        name = renamed(elementsInCamera(), name);
+        name = xml::renamedInCamera(name);
     }
     if (inRig) {
-        name = renamed(elementsInRig(), name);
+        name = xml::renamedInRig(name);
     }
     QDomElement element = m_output.createElement(name);
     const QXmlStreamAttributes attributes = m_reader.attributes();
@@ -198,7 +167,7 @@ void Rewriter::copyAttributes(QDomElement& element) const
             continue;
         }
         if (isCamera) {
-            name = renamed(attributesOfCamera(), name);
+            name = xml::renamedOfCamera(name);
         }
         if (isProcessing && name == QLatin1String("mode") &&
             value == QLatin1String("optRotRelStatic")) {

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "project_backup.h"
+
+#include "lumo/foundation/file.h"
+
+#include <QFile>
+
+namespace lumo::program {
+namespace {
+
+/// Block by block: projects are large.
+bool sameContent(const QString& one, const QString& other, bool& same, QString& error)
+{
+    constexpr qint64 kBlock = 1 << 20;
+    QFile first(one);
+    QFile second(other);
+    for (QFile* file : {&first, &second}) {
+        if (!file->open(QIODevice::ReadOnly)) {
+            error = QStringLiteral("%1: %2").arg(file->fileName(), file->errorString());
+            return false;
+        }
+    }
+    QByteArray block;
+    do {
+        block = first.read(kBlock);
+        same = block == second.read(kBlock);
+    } while (same && !block.isEmpty());
+    if (first.error() != QFileDevice::NoError || second.error() != QFileDevice::NoError) {
+        error = QStringLiteral("%1 could not be compared with %2").arg(other, one);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool backUp(const QString& file, const QString& backup, QString& error)
+{
+    const bool there = file::exists(backup);
+    if (!there && (!file::mkdir(file::dirname(backup)) || !file::copy(file, backup, error))) {
+        error = QStringLiteral("no backup could be made: ") + error;
+        return false;
+    }
+    bool same = false;
+    if (!sameContent(file, backup, same, error)) {
+        return false;
+    }
+    if (!same) {
+        error = there ? QStringLiteral("another backup is kept at %1: see --backup").arg(backup)
+                      : QStringLiteral("the backup %1 is not what was copied").arg(backup);
+    }
+    return same;
+}
+
+} // namespace lumo::program

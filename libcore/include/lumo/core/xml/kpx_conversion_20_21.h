@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/xml/conversion_change.h"
+#include "lumo/core/xml/xml_conversion.h"
+
+#include <vector>
+
+namespace lumo {
+
+/// Projects (root "lumoair") and processing templates (root "lumotmpl") up to
+/// product version 2.0 to 2.1, format version 0: options get their current names
+/// and stand in the section whose type in the schema "resources/xsd/0/lumo.xsd",
+/// below the application directory, lists them.
+///
+/// What has no place in the result (options and elements that are not known, a
+/// second value for one option, comments) is dropped, told by `changes`, and
+/// logged as a warning "WHAT is dropped: reason (line L, N times)". So are camera
+/// models that are not valid and user objects of unknown types or shapes, each
+/// with a warning of its own.
+class LUMO_CORE_EXPORT KpxConversion20_21 : public IXmlConversion
+{
+public:
+    enum class Mode : int { Project = 0, Template = 1 };
+
+    explicit KpxConversion20_21(Mode mode);
+    KpxConversion20_21(const KpxConversion20_21&) = delete;
+    KpxConversion20_21& operator=(const KpxConversion20_21&) = delete;
+    ~KpxConversion20_21() override;
+
+    void setXsdFile(const QString& xsdFile) override; ///< does nothing
+    void setXslFile(const QString& xslFile) override; ///< does nothing
+
+    /// Needs little memory beside the input and the result.
+    /// \returns a UTF-8 XML declaration, a line feed, and the result, indented
+    /// \throws std::runtime_error "Start of document not found", "Initial tag not
+    ///     expected", "conversion not supported for very old project version (V).
+    ///     Please, re-create the project from scratch." below 1.2.0, "conversion
+    ///     not supported for very old tag: T", "Unsupported complex tag found: T",
+    ///     "Expected template <= 2.0, reading template >= 2.1", "GCP:tolerance not
+    ///     supported anymore", "unexpected value in updateInternals when converting
+    ///     to new tags", the same for projectType, "classes tag should not have any
+    ///     attribute"; why the schema cannot be read; or why the input cannot
+    [[nodiscard]] QByteArray convert(QIODevice* input) override;
+
+    /// What the latest `convert` did, by line; empty before and after a failure.
+    [[nodiscard]] const std::vector<ConversionChange>& changes() const;
+
+private:
+    class Pimpl;
+    std::unique_ptr<Pimpl> m_pimpl;
+};
+
+} // namespace lumo

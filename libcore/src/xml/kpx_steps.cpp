@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "xml/kpx_steps.h"
+
+#include "lumo/foundation/file.h"
+#include "lumo/foundation/system.h"
+#include "lumo/foundation/text.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace lumo::kpx {
+namespace {
+
+/// All placeholders are replaced at once: a folder may have "%2" in its name.
+QString installed(const char* pattern, int version, bool isTemplate)
+{
+    return QString::fromLatin1(pattern).arg(
+        system::applicationDirectory(), QString::number(version),
+        isTemplate ? QStringLiteral("template") : QStringLiteral("lumo"));
+}
+
+QString schemaPath(int version, bool isTemplate)
+{
+    return installed("%1/resources/xsd/%2/%3.xsd", version, isTemplate);
+}
+
+/// The numbers of the folders of schemas, smallest first.
+std::vector<int> schemaVersions()
+{
+    const QDir folder(system::applicationDirectory() + QStringLiteral("/resources/xsd"));
+    std::vector<int> versions;
+    for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        versions.push_back(name.toInt());
+    }
+    std::sort(versions.begin(), versions.end());
+    return versions;
+}
+
+QString labelOf(int from)
+{
+    const QString label = QStringLiteral("XSLT conversion from version %1 to %2");
+    if (from != kDevelopmentVersion) {
+        return label.arg(from).arg(from + 1);
+    }
+    const std::vector<int> versions = schemaVersions();
+    return label.arg(versions.size() < 2 ? 0 : versions[versions.size() - 2]).arg(from);
+}
+
+} // namespace
+
+std::vector<Step> planSteps(const FileVersion& version, int targetVersion)
+{
+    std::vector<Step> steps;
+    if (text::versionSmallerThan(version.project, QStringLiteral("2.1"))) {
+        steps.push_back({true, 0, QStringLiteral("old version (<= 2.0) -> 2.1")});
+    } else if (
+        text::versionGreaterThan(version.project, QStringLiteral("2.1.1")) &&
+        text::versionSmallerThan(version.project, QStringLiteral("2.1.43"))) {
+        throw std::runtime_error("Project generated with 2.1 beta version.");
+    }
+    if (version.format > targetVersion) {
+        return {};
+    }
+    for (int from = version.format; from < targetVersion; ++from) {
+        steps.push_back({false, from, labelOf(from)});
+    }
+    if (file::exists(schemaPath(kDevelopmentVersion, false))) {
+        steps.push_back({false, kDevelopmentVersion, labelOf(kDevelopmentVersion)});
+    }
+    return steps;
+}
+
+QString stylesheetOf(const Step& step, bool isTemplate)
+{
+    return installed("%1/resources/xsl/%2/%3.xsl", step.from, isTemplate);
+}
+
+std::unique_ptr<IXmlConversion> createConversion(const Step& step, bool isTemplate, QString& reason)
+{
+    const auto& factory = extensibleFactoryInstance<IXmlConversion>();
+    if (step.legacy) {
+        return factory.create(isTemplate ? "Tmpl20_21" : "Kpx20_21");
+    }
+    int schema = step.from;
+    if (step.from == kDevelopmentVersion) {
+        const std::vector<int> versions = schemaVersions();
+        if (versions.size() < 2) {
+            reason = QStringLiteral("Folders in $AppDir/resources/xsd have been removed.");
+            return nullptr;
+        }
+        schema = versions[versions.size() - 2];
+    }
+    auto conversion = factory.create("Xslt");
+    conversion->setXsdFile(schemaPath(schema, isTemplate));
+    conversion->setXslFile(stylesheetOf(step, isTemplate));
+    return conversion;
+}
+
+} // namespace lumo::kpx

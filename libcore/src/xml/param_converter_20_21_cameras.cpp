@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/camerageometry/rig_enums.h"
+#include "lumo/core/xml/camera_params_xml.h"
+#include "xml/camera_renames_16.h"
+#include "xml/param_converter_20_21_changes.h"
+#include "xml/param_converter_20_21_inputs.h"
+
+#include <QDomDocument>
+
+#include <algorithm>
+
+namespace lumo::kpx {
+namespace {
+
+void renameAttributesOfCamera(Element& camera, Changes& changes)
+{
+    for (const QString& name : {QStringLiteral("cameraId"), QStringLiteral("aliasId")}) {
+        renameAttribute(camera, name, xml::renamedOfCamera(name), changes);
+    }
+}
+
+void renameChildren(Element& parent, QString (*renamed)(const QString&), Changes& changes)
+{
+    for (Element& child : parent.children) {
+        const QString name = renamed(child.name);
+        if (name != child.name) {
+            const QString path = parent.name + QLatin1Char('/');
+            changes.renamed(path + child.name, path + name, child.line);
+            child.name = name;
+        }
+    }
+}
+
+/// The identifier was an attribute, and is an element like the others now.
+void moveIdentifier(Element& camera)
+{
+    const auto id = std::find_if(
+        camera.attributes.begin(), camera.attributes.end(),
+        [](const Attribute& attribute) { return attribute.name == QLatin1String("id"); });
+    if (id != camera.attributes.end()) {
+        camera.children.push_back({QStringLiteral("id"), id->value, {}, {}, camera.line});
+        camera.attributes.erase(id);
+    }
+}
+
+/// Why a camera model cannot be used; empty if it can.
+QString faultOf(const Element& camera)
+{
+    constexpr std::size_t kLatestCameraDb = 19;
+    QDomDocument document;
+    const CameraData data = io::readCamera(toDom(document, camera), kLatestCameraDb);
+    QString reason;
+    return data.params.valid(reason, true) ? QString() : reason;
+}
+
+/// Before it was an attribute, whether the reference camera is adjusted was an element.
+void convertProcessing(Element& processing, Changes& changes)
+{
+    const auto child = std::find_if(
+        processing.children.begin(), processing.children.end(),
+        [](const Element& one) { return one.name == QLatin1String("adjustRefCamera"); });
+    if (child != processing.children.end()) {
+        processing.setAttribute(child->name, child->value().trimmed());
+        processing.children.erase(child);
+    }
+    arrange(processing, {}, {}, changes);
+    const QString* const mode = processing.attribute(QStringLiteral("mode"));
+    if (mode == nullptr) {
+        return;
+    }
+    bool known = false;
+    const QString current = text::toString(text::fromOldString(*mode, &known));
+    if (!known) {
+        changes.dropped(
+            QStringLiteral("rig/processing@mode"),
+            QStringLiteral("\"%1\" is not a known mode, %2 is used").arg(mode->left(40), current),
+            processing.line);
+    } else if (*mode != current) {
+        changes.rewritten(QStringLiteral("rig/processing@mode"), current, processing.line);
+    }
+    processing.setAttribute(QStringLiteral("mode"), current);
+}
+
+void convertDetection(Element& detection)
+{
+    const QString how =
+        detection.attributes.empty() ? detection.text : detection.attributes.front().value;
+    detection.attributes = {{QStringLiteral("value"), how}};
+    detection.text.clear();
+}
+
+void convertRigCamera(Element& camera, Changes& changes)
+{
+    static const Positions positions{{"band", 0}};
+    if (camera.name == QLatin1String("camera")) {
+        renameAttributesOfCamera(camera, changes);
+    }
+    const auto id = std::find_if(
+        camera.attributes.begin(), camera.attributes.end(),
+        [](const Attribute& attribute) { return attribute.name == QLatin1String("id"); });
+    if (id != camera.attributes.end()) {
+        changes.dropped(
+            QStringLiteral("rig/camera@id"), QStringLiteral("cameras of rigs have names"),
+            camera.line);
+        camera.attributes.erase(id);
+    }
+    arrange(camera, positions, {QStringLiteral("band")}, changes);
+}
+
+} // namespace
+
+bool convertCamera(Element& camera, const Positions& positions, Changes& changes)
+{
+    static const QStringList repeatable{
+        QStringLiteral("pixelValue"), QStringLiteral("vignettingPoly"), QStringLiteral("band")};
+    renameAttributesOfCamera(camera, changes);
+    renameChildren(camera, &xml::renamedInCamera, changes);
+    moveIdentifier(camera);
+    arrange(camera, positions, repeatable, changes);
+    const QString fault = faultOf(camera);
+    if (!fault.isEmpty()) {
+        const QString* const name = camera.attribute(QStringLiteral("name"));
+        changes.dropped(
+            QStringLiteral("camera \"%1\"").arg(name != nullptr ? *name : QString()), fault,
+            camera.line);
+        return false;
+    }
+    changes.moved(QStringLiteral("camera"), QStringLiteral("inputs/cameras/camera"), camera.line);
+    return true;
+}
+
+void convertRig(Element& rig, Changes& changes)
+{
+    static const Positions positions{
+        {"processing", 0}, {"cameraDetection", 1}, {"referenceCamera", 2}, {"camera", 3}};
+    renameChildren(rig, &xml::renamedInRig, changes);
+    arrange(rig, positions, {QStringLiteral("camera")}, changes);
+    for (Element& child : rig.children) {
+        if (child.name == QLatin1String("processing")) {
+            convertProcessing(child, changes);
+        } else if (child.name == QLatin1String("cameraDetection")) {
+            convertDetection(child);
+        } else {
+            convertRigCamera(child, changes);
+        }
+    }
+    changes.moved(QStringLiteral("rig"), QStringLiteral("inputs/cameras/rig"), rig.line);
+}
+
+} // namespace lumo::kpx

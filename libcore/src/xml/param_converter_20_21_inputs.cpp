@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "xml/param_converter_20_21_inputs.h"
+
+#include "xml/camera_renames_16.h"
+#include "xml/param_converter_20_21_changes.h"
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+
+namespace lumo::kpx {
+namespace {
+
+void convertTime(Element& time, Changes& changes)
+{
+    const QString before = time.value();
+    bool known = false;
+    const QString after = normalisedTime(before, known);
+    if (!known) {
+        changes.dropped(
+            QStringLiteral("image/time"),
+            QStringLiteral("\"%1\" is not a known form of a time, %2 is used")
+                .arg(before.left(40), after),
+            time.line);
+    } else if (before != after) {
+        changes.rewritten(
+            QStringLiteral("image/time"), QStringLiteral("yyyy:MM:dd hh:mm:ss"), time.line);
+    }
+    time.attributes.clear();
+    time.text = after;
+}
+
+void convertImageChild(Element& child, Changes& changes)
+{
+    if (child.name == QLatin1String("time")) {
+        convertTime(child, changes);
+    } else if (child.name == QLatin1String("exifId")) {
+        changes.renamed(QStringLiteral("image/exifId"), QStringLiteral("image/exifID"), child.line);
+        child.name = QStringLiteral("exifID");
+    } else if (child.name == QLatin1String("camera")) {
+        for (Attribute& attribute : child.attributes) {
+            attribute.name = xml::renamedOfCamera(attribute.name);
+        }
+    }
+}
+
+/// The height of the geoid above the ellipsoid is all that older files say of
+/// heights: a constant shift.
+/// \returns false if it says none
+bool convertVerticalDef(Element& definition, Changes& changes)
+{
+    const QString* height = definition.attribute(QStringLiteral("value"));
+    if (height == nullptr) {
+        height = definition.attribute(QStringLiteral("geoidHeight"));
+    }
+    if (height == nullptr) {
+        changes.dropped(
+            definition.name, QStringLiteral("it has no height of the geoid"), definition.line);
+        return false;
+    }
+    const QString shift = *height;
+    definition.attributes = {
+        {QStringLiteral("model"), QStringLiteral("constShift")},
+        {QStringLiteral("geoidHeight"), shift}};
+    changes.rewritten(definition.name, QStringLiteral("verticalDef@geoidHeight"), definition.line);
+    return true;
+}
+
+} // namespace
+
+void refuseComplex(const QString& tag)
+{
+    throw std::runtime_error("Unsupported complex tag found: " + tag.toStdString());
+}
+
+void arrange(
+    Element& parent, const Positions& positions, const QStringList& repeatable, Changes& changes)
+{
+    std::vector<std::pair<int, Element>> kept;
+    kept.reserve(parent.children.size());
+    std::set<QString> single; // names that are there and may not be again
+    for (Element& child : parent.children) {
+        const auto listed = positions.find(child.name);
+        const bool again = listed != positions.end() && !repeatable.contains(child.name) &&
+                           !single.insert(child.name).second;
+        if (listed != positions.end() && !again) {
+            kept.emplace_back(listed->second, std::move(child));
+            continue;
+        }
+        if (!child.children.empty()) {
+            refuseComplex(child.name);
+        }
+        changes.dropped(
+            parent.name + QLatin1Char('/') + child.name,
+            again ? QStringLiteral("it is there before") : QStringLiteral("it is not known there"),
+            child.line);
+    }
+    std::stable_sort(
+        kept.begin(), kept.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    parent.children.clear();
+    for (auto& [position, child] : kept) {
+        parent.children.push_back(std::move(child));
+    }
+}
+
+void renameAttribute(
+    Element& element, const QString& before, const QString& after, Changes& changes)
+{
+    for (Attribute& attribute : element.attributes) {
+        if (attribute.name == before) {
+            attribute.name = after;
+            changes.renamed(
+                element.name + QLatin1Char('@') + before, element.name + QLatin1Char('@') + after,
+                element.line);
+        }
+    }
+}
+
+void convertImage(Element& image, const Positions& positions, Changes& changes)
+{
+    for (Element& child : image.children) {
+        convertImageChild(child, changes);
+    }
+    arrange(image, positions, {QStringLiteral("group")}, changes);
+}
+
+void convertCoordinateSystem(Element& system, const QString& name, Changes& changes)
+{
+    static const Positions positions{{"wkt", 0}, {"verticalDef", 1}};
+    arrange(system, positions, {}, changes);
+    if (!system.children.empty() && system.children.back().name == QLatin1String("verticalDef") &&
+        !convertVerticalDef(system.children.back(), changes)) {
+        system.children.pop_back();
+    }
+    changes.renamed(system.name, QStringLiteral("inputs/coordinateSystems/") + name, system.line);
+    system.name = name;
+}
+
+} // namespace lumo::kpx
