@@ -22,6 +22,17 @@ constexpr double kClearlyBetter = 0.5;
 /// Residuals of this share of the extent are nothing but rounding.
 constexpr double kPerfectFit = 1e-9;
 
+using Points = std::vector<Eigen::Vector3d>;
+
+/// What is estimated from; refers to lists of its maker's.
+struct Problem
+{
+    const Points& points1;
+    const Points& points2;
+    const Points& sigmas;
+    const AlignmentOptions& options;
+};
+
 void check(const AlignmentOptions& options)
 {
     if (!(options.outlierRatio >= 0.0 && options.outlierRatio < 1.0)) {
@@ -32,7 +43,7 @@ void check(const AlignmentOptions& options)
     }
 }
 
-double extent(const std::vector<Eigen::Vector3d>& points)
+double extent(const Points& points)
 {
     Eigen::AlignedBox3d box;
     for (const Eigen::Vector3d& point : points) {
@@ -41,26 +52,24 @@ double extent(const std::vector<Eigen::Vector3d>& points)
     return box.diagonal().norm();
 }
 
-OptimiseRigidTransform3D makeEstimate(
-    const PointPairs& pairs, const AlignmentOptions& options, std::mt19937& generator)
+OptimiseRigidTransform3D makeEstimate(const Problem& problem, std::mt19937& generator)
 {
-    generator.seed(options.seed);
-    OptimiseRigidTransform3D estimate(pairs.points1, pairs.points2, pairs.sigmas, &generator);
+    generator.seed(problem.options.seed);
+    OptimiseRigidTransform3D estimate(problem.points1, problem.points2, problem.sigmas, &generator);
     // The score is the residual that comes next after the assumed share of inliers:
     // where exactly that share is right it would be that of an outlier.
-    const double onePair = 1.0 / static_cast<double>(pairs.points1.size());
-    estimate.setOutlierRatio(std::min(1.0, options.outlierRatio + onePair));
-    estimate.setNrSample(options.samplePairs);
+    const double onePair = 1.0 / static_cast<double>(problem.points1.size());
+    estimate.setOutlierRatio(std::min(1.0, problem.options.outlierRatio + onePair));
+    estimate.setNrSample(problem.options.samplePairs);
     estimate.setLogSamples(false);
     return estimate;
 }
 
 /// The transform that the random search ends with, if it does.
-std::optional<math::RigidTransform3D> search(
-    const PointPairs& pairs, const AlignmentOptions& options)
+std::optional<math::RigidTransform3D> search(const Problem& problem)
 {
     std::mt19937 generator;
-    OptimiseRigidTransform3D estimate = makeEstimate(pairs, options, generator);
+    OptimiseRigidTransform3D estimate = makeEstimate(problem, generator);
     if (!estimate.init()) {
         return std::nullopt;
     }
@@ -70,47 +79,49 @@ std::optional<math::RigidTransform3D> search(
 /// One standard deviation for all coordinates. The search stops early at
 /// residuals of half of it, so the first one is told a very small one, which
 /// makes it draw all its samples.
-double estimateSigma(PointPairs pairs, const AlignmentOptions& options)
+Points estimateSigmas(const PointPairs& pairs, const AlignmentOptions& options)
 {
-    const double size = extent(pairs.points1);
     double offset = 0.0;
     for (const Eigen::Vector3d& point : pairs.points1) {
         offset = std::max(offset, point.cwiseAbs().maxCoeff());
     }
     const double rounding = std::numeric_limits<double>::epsilon() * offset;
-    const double smallest = std::max({1e-12 * size, 4.0 * rounding, 1e-50});
-    pairs.sigmas.assign(pairs.points1.size(), Eigen::Vector3d::Constant(smallest));
-    const auto transform = search(pairs, options);
-    if (!transform) {
-        return smallest;
+    const double smallest = std::max({1e-12 * extent(pairs.points1), 4.0 * rounding, 1e-50});
+    Points sigmas(pairs.points1.size(), Eigen::Vector3d::Constant(smallest));
+    const auto transform = search({pairs.points1, pairs.points2, sigmas, options});
+    if (transform) {
+        // Half of those that are taken for inliers: the median length of a Gaussian
+        // vector of three components is 1.538 of their standard deviations.
+        constexpr double kMedianLength = 1.538;
+        const double median = residualQuantile(
+            pairs.points1, pairs.points2, *transform, 0.5 * (1.0 - options.outlierRatio));
+        const double sigma = std::max(smallest, median / kMedianLength);
+        std::fill(sigmas.begin(), sigmas.end(), Eigen::Vector3d::Constant(sigma));
     }
-    // Half of those that are taken for inliers: the median length of a Gaussian
-    // vector of three components is 1.538 of their standard deviations.
-    constexpr double kMedianLength = 1.538;
-    const double median = residualQuantile(pairs, *transform, 0.5 * (1.0 - options.outlierRatio));
-    return std::max(smallest, median / kMedianLength);
+    return sigmas;
 }
 
-/// The same pairs with set 2 seen in a mirror.
-PointPairs mirrored(PointPairs pairs)
+/// The points seen in a mirror.
+Points mirrored(Points points)
 {
-    for (Eigen::Vector3d& point : pairs.points2) {
+    for (Eigen::Vector3d& point : points) {
         point.z() = -point.z();
     }
-    return pairs;
+    return points;
 }
 
-bool fitsMirrored(
-    const PointPairs& pairs, const AlignmentOptions& options, const Alignment& alignment)
+bool fitsMirrored(const Problem& problem, const Alignment& alignment)
 {
-    const double share = 1.0 - options.outlierRatio;
-    const double residual = residualQuantile(pairs, alignment.transform, share);
-    if (residual <= kPerfectFit * extent(pairs.points1)) {
+    const double share = 1.0 - problem.options.outlierRatio;
+    const double residual =
+        residualQuantile(problem.points1, problem.points2, alignment.transform, share);
+    if (residual <= kPerfectFit * extent(problem.points1)) {
         return false;
     }
-    const PointPairs mirror = mirrored(pairs);
-    const auto transform = search(mirror, options);
-    return transform && residualQuantile(mirror, *transform, share) < kClearlyBetter * residual;
+    const Points mirror = mirrored(problem.points2);
+    const auto transform = search({problem.points1, mirror, problem.sigmas, problem.options});
+    return transform &&
+           residualQuantile(problem.points1, mirror, *transform, share) < kClearlyBetter * residual;
 }
 
 void judge(const PointPairs& pairs, Alignment& alignment)
@@ -132,11 +143,10 @@ void judge(const PointPairs& pairs, Alignment& alignment)
     }
 }
 
-bool estimate(
-    const PointPairs& pairs, const AlignmentOptions& options, Alignment& alignment, QString& error)
+bool estimate(const Problem& problem, Alignment& alignment, QString& error)
 {
     std::mt19937 generator;
-    OptimiseRigidTransform3D estimate = makeEstimate(pairs, options, generator);
+    OptimiseRigidTransform3D estimate = makeEstimate(problem, generator);
     if (!estimate.init()) {
         error = QStringLiteral("no transform to start from was found");
         return false;
@@ -147,26 +157,27 @@ bool estimate(
         error = QStringLiteral("no finite transform was found");
         return false;
     }
-    for (std::size_t i = 0; i < pairs.points1.size(); ++i) {
+    for (std::size_t i = 0; i < problem.points1.size(); ++i) {
         alignment.weights.push_back(estimate.getWeight(static_cast<int>(i)));
     }
     return true;
 }
 
 bool alignWithSigmas(
-    const PointPairs& pairs, const AlignmentOptions& options, Alignment& result, QString& error)
+    const PointPairs& pairs, const Points& sigmas, const AlignmentOptions& options,
+    Alignment& result, QString& error)
 {
+    const Problem problem{pairs.points1, pairs.points2, sigmas, options};
     Alignment alignment;
-    if (!estimate(pairs, options, alignment, error)) {
+    if (!estimate(problem, alignment, error)) {
         return false;
     }
     judge(pairs, alignment);
     alignment.degeneracy = examinePoints(pairs);
     if (alignment.degeneracy == Degeneracy::None) {
         // First the mirror: the few that fit in spite of one lie near a plane.
-        alignment.degeneracy = fitsMirrored(pairs, options, alignment)
-                                   ? Degeneracy::Mirrored
-                                   : examineInliers(pairs, alignment);
+        alignment.degeneracy = fitsMirrored(problem, alignment) ? Degeneracy::Mirrored
+                                                                : examineInliers(pairs, alignment);
     }
     result = std::move(alignment);
     return true;
@@ -208,13 +219,10 @@ bool align(
         return false;
     }
     try {
-        if (!pairs.sigmas.empty()) {
-            return alignWithSigmas(pairs, options, alignment, error);
-        }
-        PointPairs withSigmas = pairs;
-        withSigmas.sigmas.assign(
-            pairs.points1.size(), Eigen::Vector3d::Constant(estimateSigma(pairs, options)));
-        return alignWithSigmas(withSigmas, options, alignment, error);
+        return pairs.sigmas.empty()
+                   ? alignWithSigmas(
+                         pairs, estimateSigmas(pairs, options), options, alignment, error)
+                   : alignWithSigmas(pairs, pairs.sigmas, options, alignment, error);
     } catch (const std::exception& fault) { // lists that do not fit, numbers out of range
         error = QString::fromUtf8(fault.what());
         return false;

@@ -130,12 +130,13 @@ Degeneracy examineInliers(const PointPairs& pairs, const Alignment& alignment)
 }
 
 double residualQuantile(
-    const PointPairs& pairs, const math::RigidTransform3D& transform, double share)
+    const std::vector<Eigen::Vector3d>& points1, const std::vector<Eigen::Vector3d>& points2,
+    const math::RigidTransform3D& transform, double share)
 {
     std::vector<double> squares;
-    squares.reserve(pairs.points1.size());
-    for (std::size_t i = 0; i < pairs.points1.size(); ++i) {
-        squares.push_back((pairs.points1[i] - transform.transform(pairs.points2[i])).squaredNorm());
+    squares.reserve(points1.size());
+    for (std::size_t i = 0; i < points1.size(); ++i) {
+        squares.push_back((points1[i] - transform.transform(points2[i])).squaredNorm());
     }
     const auto index = std::min(
         static_cast<std::size_t>(share * static_cast<double>(squares.size())), squares.size() - 1);

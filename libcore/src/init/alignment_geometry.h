@@ -18,8 +18,9 @@ namespace lumo {
 [[nodiscard]] Degeneracy examineInliers(const PointPairs& pairs, const Alignment& alignment);
 
 /// The length that `share` of the residuals under a transform do not exceed.
-/// There must be pairs.
+/// There must be points.
 [[nodiscard]] double residualQuantile(
-    const PointPairs& pairs, const math::RigidTransform3D& transform, double share);
+    const std::vector<Eigen::Vector3d>& points1, const std::vector<Eigen::Vector3d>& points2,
+    const math::RigidTransform3D& transform, double share);
 
 } // namespace lumo

@@ -15,17 +15,6 @@ namespace {
 constexpr double kNoScore = 1e256;
 constexpr std::size_t kMostBins = 1000;
 
-std::vector<double> residualLengths(
-    const std::vector<Eigen::Vector3d>& points1, const std::vector<Eigen::Vector3d>& points2,
-    const math::RigidTransform3D& transform)
-{
-    std::vector<double> lengths(points1.size());
-    for (std::size_t i = 0; i < lengths.size(); ++i) {
-        lengths[i] = (points1[i] - transform.transform(points2[i])).norm();
-    }
-    return lengths;
-}
-
 /// One way to split n lengths: the smaller are noise, the others are outliers.
 struct Split
 {
@@ -52,9 +41,18 @@ Split splitAfter(
 
 } // namespace
 
+std::vector<double> OptimiseRigidTransform3D::residualLengths() const
+{
+    std::vector<double> lengths(m_points1.size());
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        lengths[i] = (centred1(i) - m_transform.transform(centred2(i))).norm();
+    }
+    return lengths;
+}
+
 double OptimiseRigidTransform3D::computeScore(double smallestSigma, double& outlierThreshold) const
 {
-    std::vector<double> lengths = residualLengths(m_centred1, m_centred2, m_transform);
+    std::vector<double> lengths = residualLengths();
     std::sort(lengths.begin(), lengths.end());
     const double n = static_cast<double>(lengths.size());
     double best = kNoScore;
@@ -81,7 +79,7 @@ double OptimiseRigidTransform3D::computeScore(double smallestSigma, double& outl
 double OptimiseRigidTransform3D::computeScoreHist(
     double smallestSigma, double& outlierThreshold) const
 {
-    const std::vector<double> lengths = residualLengths(m_centred1, m_centred2, m_transform);
+    const std::vector<double> lengths = residualLengths();
     if (lengths.size() < 2) {
         return kNoScore;
     }

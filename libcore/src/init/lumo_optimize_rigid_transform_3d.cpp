@@ -71,7 +71,6 @@ OptimiseRigidTransform3D::OptimiseRigidTransform3D(
     : m_points1(points1)
     , m_points2(points2)
     , m_weights(points1.size(), 1.0)
-    , m_sigmas(sigmas)
     , m_rng(rng)
 {
     if (points1.size() != points2.size()) {
@@ -89,9 +88,8 @@ OptimiseRigidTransform3D::OptimiseRigidTransform3D(
     m_centre2 = meanOf(points2);
     log::debug() << "opt rigid trans center1 " << m_centre1[0] << m_centre1[1] << m_centre1[2];
     log::debug() << "opt rigid trans center2 " << m_centre2[0] << m_centre2[1] << m_centre2[2];
-    m_centred1 = relativeTo(m_centre1, points1);
-    m_centred2 = relativeTo(m_centre2, points2);
-    m_columns = rigidResiduals::columnsOf(m_centred1, m_centred2, m_sigmas);
+    m_columns = rigidResiduals::columnsOf(
+        relativeTo(m_centre1, points1), relativeTo(m_centre2, points2), sigmas);
     m_scratch.resize(points1.size());
     m_noise.setDeterminantBounds(kMinimumNoise, kMaximumNoise);
 }
@@ -101,6 +99,14 @@ OptimiseRigidTransform3D::OptimiseRigidTransform3D(
     : OptimiseRigidTransform3D(
           points1, points2, Points(points1.size(), Eigen::Vector3d::Ones()), rng)
 {}
+
+Eigen::Vector3d OptimiseRigidTransform3D::listed(std::size_t list, std::size_t i) const
+{
+    const rigidResiduals::Columns columns{m_columns.data(), m_weights.size()};
+    return {
+        columns.column(3 * list)[i], columns.column(3 * list + 1)[i],
+        columns.column(3 * list + 2)[i]};
+}
 
 void OptimiseRigidTransform3D::setOutlierRatio(double ratio)
 {

@@ -142,8 +142,7 @@ void OptimiseRigidTransform3D::optimizeLevenbergMarquardt(
 
 void OptimiseRigidTransform3D::compute()
 {
-    log::debug() << "OptimiseRigidTransform3D::compute() " << m_centred1.size()
-                 << m_centred2.size();
+    log::debug() << "OptimiseRigidTransform3D::compute() " << m_points1.size() << m_points2.size();
     if (m_weights.empty()) {
         return;
     }

@@ -36,11 +36,11 @@ struct OptimiseRigidTransform3D::Trials
 
 bool OptimiseRigidTransform3D::init()
 {
-    if (m_centred1.size() != m_centred2.size()) {
+    if (m_points1.size() != m_points2.size()) {
         log::important() << "OptimiseRigidTransform3D::init() poi1/2";
         return false;
     }
-    switch (m_centred1.size()) {
+    switch (m_points1.size()) {
     case 0:
         return false;
     case 1:
@@ -58,16 +58,15 @@ bool OptimiseRigidTransform3D::init()
 
 void OptimiseRigidTransform3D::logCounts() const
 {
-    log::debug() << "OptimiseRigidTransform3D::init() nrPoints " << m_centred1.size() << " poi1/2 "
-                 << m_centred1.size() << " " << m_centred2.size() << " nrTrialCorr "
-                 << m_nrTrialCorr;
+    log::debug() << "OptimiseRigidTransform3D::init() nrPoints " << m_points1.size() << " poi1/2 "
+                 << m_points1.size() << " " << m_points2.size() << " nrTrialCorr " << m_nrTrialCorr;
 }
 
 void OptimiseRigidTransform3D::logPairs() const
 {
-    for (std::size_t i = 0; i < m_centred1.size(); ++i) {
-        const Eigen::Vector3d& p1 = m_centred1[i];
-        const Eigen::Vector3d& p2 = m_centred2[i];
+    for (std::size_t i = 0; i < m_points1.size(); ++i) {
+        const Eigen::Vector3d p1 = centred1(i);
+        const Eigen::Vector3d p2 = centred2(i);
         log::debug() << p1[0] << p1[1] << p1[2] << p2[0] << p2[1] << p2[2];
     }
 }
@@ -76,14 +75,14 @@ bool OptimiseRigidTransform3D::init1()
 {
     logCounts();
     logPairs();
-    m_transform = {RotationMatrix(), m_centred1[0] - m_centred2[0], 1.0};
+    m_transform = {RotationMatrix(), centred1(0) - centred2(0), 1.0};
     return true;
 }
 
 bool OptimiseRigidTransform3D::init2()
 {
-    const Eigen::Vector3d d1 = m_centred1[1] - m_centred1[0];
-    const Eigen::Vector3d d2 = m_centred2[1] - m_centred2[0];
+    const Eigen::Vector3d d1 = centred1(1) - centred1(0);
+    const Eigen::Vector3d d2 = centred2(1) - centred2(0);
     const double length1 = d1.norm();
     const double length2 = d2.norm();
     if (length1 < kShortest || length2 < kShortest) {
@@ -100,7 +99,7 @@ bool OptimiseRigidTransform3D::init2()
         rotation.setAngleAxis(axis / sine, u2.dot(u1), sine);
     }
     const double scale = length1 / length2;
-    m_transform = {rotation, m_centred1[0] - scale * (rotation * m_centred2[0]), scale};
+    m_transform = {rotation, centred1(0) - scale * (rotation * centred2(0)), scale};
     return true;
 }
 
@@ -121,7 +120,7 @@ bool OptimiseRigidTransform3D::initFromFirst(std::size_t count)
         log::important() << "OptimiseRigidTransform3D::init() random rumbers not defined";
         return false;
     }
-    if (m_centred1.size() != m_centred2.size() || m_centred1.size() < count) {
+    if (m_points1.size() != m_points2.size() || m_points1.size() < count) {
         log::important() << "OptimiseRigidTransform3D::init() poi1/2";
         return false;
     }
@@ -141,7 +140,7 @@ bool OptimiseRigidTransform3D::initFromSamples()
         log::important() << "OptimiseRigidTransform3D::init() random number generator not defined";
         return false;
     }
-    m_nrTrialCorr = std::min(m_nrTrialCorr, static_cast<std::uint32_t>(m_centred1.size()));
+    m_nrTrialCorr = std::min(m_nrTrialCorr, static_cast<std::uint32_t>(m_points1.size()));
     logCounts();
     Trials trials;
     trials.best = computeMedian();
@@ -158,7 +157,7 @@ bool OptimiseRigidTransform3D::initFromSamples()
 
 void OptimiseRigidTransform3D::runTrials(Trials& trials)
 {
-    const auto last = static_cast<std::uint32_t>(m_centred1.size() - 1);
+    const auto last = static_cast<std::uint32_t>(m_points1.size() - 1);
     do {
         serviceProgress().setProgress(
             trials.counter, m_nrTrials, QStringLiteral("Transform init."));
@@ -222,9 +221,9 @@ bool OptimiseRigidTransform3D::estimateTransform(const std::vector<std::uint32_t
     Points sample2;
     Points sigmas;
     for (const std::uint32_t i : sample) {
-        sample1.push_back(m_centred1[i]);
-        sample2.push_back(m_centred2[i]);
-        sigmas.push_back(m_sigmas[i]);
+        sample1.push_back(centred1(i));
+        sample2.push_back(centred2(i));
+        sigmas.push_back(sigma(i));
     }
     return math::transformOptimisation::estimateTransform(sample1, sample2, sigmas, m_transform);
 }

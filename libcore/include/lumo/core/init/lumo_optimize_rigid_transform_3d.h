@@ -108,6 +108,12 @@ private:
 
     using Points = std::vector<Eigen::Vector3d>;
 
+    // The lists are kept in columns only; of a million pairs each takes 24 MB.
+    [[nodiscard]] Eigen::Vector3d centred1(std::size_t i) const { return listed(0, i); }
+    [[nodiscard]] Eigen::Vector3d centred2(std::size_t i) const { return listed(1, i); }
+    [[nodiscard]] Eigen::Vector3d sigma(std::size_t i) const { return listed(2, i); }
+    [[nodiscard]] Eigen::Vector3d listed(std::size_t list, std::size_t i) const;
+
     [[nodiscard]] bool init1();
     [[nodiscard]] bool init2();
     [[nodiscard]] bool init3();
@@ -143,6 +149,7 @@ private:
     void optimizeLevenbergMarquardt(
         void* object, double* x, int n, int m, double tolerance, int verbose);
 
+    [[nodiscard]] std::vector<double> residualLengths() const; ///< unnormalised
     /// Where the sorted unnormalised residual lengths are best split into a
     /// Gaussian and uniform outliers.
     /// \param smallestSigma  a standard deviation below it counts as it
@@ -165,10 +172,7 @@ private:
     Eigen::Vector3d m_centre2;
     Points m_points1;
     Points m_points2;
-    Points m_centred1;
-    Points m_centred2;
     std::vector<double> m_weights;
-    Points m_sigmas;
     GaussNoiseDiagonal<double, 3> m_noise;
     double m_pOut = 0.0;
     double m_inlierRatio = 0.25;
