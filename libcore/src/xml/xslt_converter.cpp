@@ -45,11 +45,20 @@ bool transform(const QString& xslFile, QIODevice* input, QByteArray& result, QSt
     }
     xml::Stylesheet stylesheet;
     const QByteArray document = input->readAll();
-    if (!readStylesheet(xslFile, stylesheet, error) || !xml::checkXml(document, error)) {
+    if (!readStylesheet(xslFile, stylesheet, error)) {
         return false;
     }
-    return isXslt1(stylesheet.text)
-               ? xml::transformWithLibxslt(stylesheet, document, result, error)
+    const bool isFirst = isXslt1(stylesheet.text);
+    QString unused;
+    if (isFirst && xml::isHarmless(document) &&
+        xml::transformWithLibxslt(stylesheet, document, xml::Guard::ByParser, result, unused)) {
+        return true;
+    }
+    if (!xml::checkXml(document, error)) {
+        return false;
+    }
+    return isFirst
+               ? xml::transformWithLibxslt(stylesheet, document, xml::Guard::Checked, result, error)
                : xml::transformWithXmlQuery(stylesheet, document, result, error);
 }
 

@@ -11,6 +11,7 @@
 #include <libxslt/xsltInternals.h>
 #include <libxslt/xsltutils.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
@@ -91,12 +92,12 @@ void Messages::append(void* /*context*/, const char* format, ...)
     }
 }
 
-Document parse(const QByteArray& text, const QByteArray& name, QString& error)
+Document parse(const QByteArray& text, const QByteArray& name, Guard guard, QString& error)
 {
-    // Sizes and depth were checked before, so that the parser's own limits,
-    // which are lower, can be lifted.
-    constexpr int options =
-        XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+    // Where sizes and depth were checked before, the parser's own limits, which
+    // are lower, can be lifted.
+    const int options = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
+                        (guard == Guard::Checked ? XML_PARSE_HUGE : 0);
     const Parser parser(xmlNewParserCtxt());
     if (!parser) {
         throw std::bad_alloc();
@@ -133,7 +134,7 @@ bool importsOthers(const xmlDoc* stylesheet)
 
 Program compile(const Stylesheet& stylesheet, QString& error)
 {
-    Document document = parse(stylesheet.text, stylesheet.path.toUtf8(), error);
+    Document document = parse(stylesheet.text, stylesheet.path.toUtf8(), Guard::Checked, error);
     if (!document) {
         return {};
     }
@@ -208,23 +209,49 @@ bool serialise(const xmlDoc* document, QByteArray& result)
 }
 
 bool transform(
-    const Stylesheet& stylesheet, const QByteArray& document, QByteArray& result, QString& reason)
+    const Stylesheet& stylesheet, const QByteArray& document, Guard guard, QByteArray& result,
+    QString& reason)
 {
     const Program program = compile(stylesheet, reason);
     const Document input =
-        program ? parse(document, QByteArrayLiteral("input"), reason) : Document();
+        program ? parse(document, QByteArrayLiteral("input"), guard, reason) : Document();
     const Document output = input ? apply(program.get(), input.get(), reason) : Document();
     return output && serialise(output.get(), result);
 }
 
 } // namespace
 
+bool isHarmless(const QByteArray& document)
+{
+    // What a search for bytes sees is what the parser sees in UTF-8 only.
+    const QByteArray declaration = document.left(document.indexOf("?>")).toLower();
+    const bool isUtf8 = !declaration.contains("encoding") || declaration.contains("utf-8");
+    if (!isUtf8 || document.contains('\0') || document.contains("<!DOCTYPE")) {
+        return false;
+    }
+    // An "=" for each attribute. No attribute holds a "<", so that all of an element
+    // stand before the next one, with those "=" that are in texts.
+    constexpr std::ptrdiff_t kMostAttributes = 1000;
+    constexpr std::ptrdiff_t kLongestText = 1 << 20;
+    const char* const end = document.constData() + document.size();
+    const char* tag = std::find(document.constData(), end, '<');
+    while (tag != end) {
+        const char* const next = std::find(tag + 1, end, '<');
+        if (next - tag > kLongestText || std::count(tag, next, '=') > kMostAttributes) {
+            return false;
+        }
+        tag = next;
+    }
+    return true;
+}
+
 bool transformWithLibxslt(
-    const Stylesheet& stylesheet, const QByteArray& document, QByteArray& result, QString& error)
+    const Stylesheet& stylesheet, const QByteArray& document, Guard guard, QByteArray& result,
+    QString& error)
 {
     const Messages messages;
     QString reason;
-    const bool done = transform(stylesheet, document, result, reason);
+    const bool done = transform(stylesheet, document, guard, result, reason);
     const QString said = messages.text.simplified();
     if (!done) {
         error = QStringLiteral("%1: %2 %3").arg(stylesheet.path, reason, said).trimmed();
