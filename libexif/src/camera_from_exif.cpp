@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/exif/camera_from_exif.h"
 
+#include "calibrated_lens.h"
 #include "lumo/cameradata/camera_name.h"
 #include "lumo/foundation/log.h"
 
@@ -42,6 +43,14 @@ CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm)
         {0.5 * static_cast<double>(exif.imageWidth), 0.5 * static_cast<double>(exif.imageHeight)});
     camera.params.perspective.focalLengthMm = exif.focalLengthMm;
     camera.params.source = CameraSource::Exif;
+    if (exif.calibration && pixelSizeMm > 0.0) {
+        const QString refusal =
+            applyCalibration(*exif.calibration, exif.focalLengthMm, camera.params);
+        if (!refusal.isEmpty()) {
+            log::warning() << exif.make << exif.model
+                           << "the calibration in the image is not used:" << refusal;
+        }
+    }
     camera.setBands(exif.bands, false);
     camera.serialNumber = exif.serialNumber;
     camera.exifId = exif.exifId().first;
@@ -85,6 +94,8 @@ QString text::toString(exif::PixelSizeSource source)
         return QStringLiteral("sensorTable");
     case exif::PixelSizeSource::Focal35mm:
         return QStringLiteral("focal35mm");
+    case exif::PixelSizeSource::Calibration:
+        return QStringLiteral("calibration");
     case exif::PixelSizeSource::None:
         break;
     }

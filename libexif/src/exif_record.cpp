@@ -2,6 +2,7 @@
 #include "exif_record.h"
 
 #include "irradiance.h"
+#include "lens_calibration_reader.h"
 #include "lumo/foundation/text.h"
 
 #include <QRegularExpression>
@@ -214,6 +215,7 @@ ExifInfo makeRecord(const RawMetadata& raw, const TagReader& tags, const XmpProp
     exif.fNumber = tags.positive("Exif.Photo.FNumber", kMaxFNumber);
     setSizes(raw, tags, exif);
     exif.focalPlane = focalPlane(tags);
+    exif.calibration = findLensCalibration(xmp, tags, exif);
     exif.dateTime = dateTime(tags);
     exif.captureId = captureId(xmp);
     exif.rigName = xmp.text("Camera:RigName");

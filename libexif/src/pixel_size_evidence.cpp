@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "calibrated_lens.h"
 #include "lumo/exif/camera_from_exif.h"
 #include "lumo/exif/sensor_size_table.h"
 
@@ -17,6 +18,7 @@ constexpr double kShapeTolerance = 0.02;
 constexpr double kTableFactor = 1.2;
 constexpr double kEquivalentFactor = 1.5;
 constexpr double kOtherCameraFactor = 1.15;
+constexpr double kWidestPerspective35Mm = 9.0;
 
 double longSide(const ExifInfo& exif)
 {
@@ -31,6 +33,12 @@ double shortSide(const ExifInfo& exif)
 bool plausibleSensor(double sideMm)
 {
     return sideMm >= kMinSensorMm && sideMm <= kMaxSensorMm;
+}
+
+QString doubtOfLength(double sideMm)
+{
+    return plausibleSensor(sideMm) ? QString()
+                                   : QStringLiteral("the sensor would be %1 mm long").arg(sideMm);
 }
 
 /// How far two positive numbers are apart, as a factor of at least 1.
@@ -52,9 +60,8 @@ PixelSizeEvidence fromFocalPlane(const ExifInfo& exif, const FocalPlaneResolutio
         } else {
             evidence.doubt = QStringLiteral("x and y differ");
         }
-    } else if (!plausibleSensor(longSide(exif) / mean)) {
-        evidence.doubt =
-            QStringLiteral("the sensor would be %1 mm long").arg(longSide(exif) / mean);
+    } else {
+        evidence.doubt = doubtOfLength(longSide(exif) / mean);
     }
     return evidence;
 }
@@ -77,12 +84,23 @@ std::optional<PixelSizeEvidence> from35mm(const ExifInfo& exif)
     const double frameDiagonalMm = std::hypot(36.0, 24.0);
     const double diagonalMm = frameDiagonalMm * exif.focalLengthMm / exif.focalLength35Mm;
     const double pixelSize = diagonalMm / std::hypot(longSide(exif), shortSide(exif));
-    PixelSizeEvidence evidence{PixelSizeSource::Focal35mm, pixelSize, {}};
-    if (!plausibleSensor(pixelSize * longSide(exif))) {
-        evidence.doubt =
-            QStringLiteral("the sensor would be %1 mm long").arg(pixelSize * longSide(exif));
+    PixelSizeEvidence evidence{
+        PixelSizeSource::Focal35mm, pixelSize, doubtOfLength(pixelSize * longSide(exif))};
+    if (exif.focalLength35Mm < kWidestPerspective35Mm) {
+        evidence.doubt = QStringLiteral("only a fisheye lens is as wide");
     }
     return evidence;
+}
+
+std::optional<PixelSizeEvidence> fromCalibration(const ExifInfo& exif)
+{
+    const double focalLengthPx = exif.calibration ? comparableFocalLengthPx(*exif.calibration) : 0;
+    if (!(exif.focalLengthMm > 0.0 && focalLengthPx > 0.0)) {
+        return std::nullopt;
+    }
+    const double pixelSize = exif.focalLengthMm / focalLengthPx;
+    return PixelSizeEvidence{
+        PixelSizeSource::Calibration, pixelSize, doubtOfLength(pixelSize * longSide(exif))};
 }
 
 bool usable(const std::optional<PixelSizeEvidence>& evidence)
@@ -105,23 +123,71 @@ bool narrowerThan(const SensorSize& sensor, const ExifInfo& exif)
                sensor.widthMm / sensor.heightMm * (1.0 - kShapeTolerance);
 }
 
-/// Why the focal plane resolution is not believed beside the other sources.
-QString doubtOfFocalPlane(
-    const std::optional<PixelSizeEvidence>& plane, const std::optional<PixelSizeEvidence>& table,
-    const std::optional<PixelSizeEvidence>& equivalent)
+/// Both are believed, and are near each other.
+bool supports(
+    const std::optional<PixelSizeEvidence>& a, const std::optional<PixelSizeEvidence>& b,
+    double tolerated)
 {
-    if (!usable(plane)) {
-        return plane ? plane->doubt : QString();
+    return usable(a) && usable(b) && !contradicts(a, b, tolerated);
+}
+
+/// The sources in the order of trust.
+struct Sources
+{
+    std::optional<PixelSizeEvidence> plane;
+    std::optional<PixelSizeEvidence> calibration;
+    std::optional<PixelSizeEvidence> table;
+    std::optional<PixelSizeEvidence> equivalent;
+};
+
+/// Why the focal plane resolution is not believed beside the other sources.
+QString doubtOfFocalPlane(const Sources& s)
+{
+    if (!usable(s.plane)) {
+        return s.plane ? s.plane->doubt : QString();
     }
-    if (usable(table)) {
-        const bool supported = usable(equivalent) && !contradicts(plane, equivalent, kTableFactor);
-        return contradicts(plane, table, kTableFactor) && !supported
+    if (usable(s.table)) {
+        const bool supported = supports(s.plane, s.equivalent, kTableFactor) ||
+                               supports(s.plane, s.calibration, kTableFactor);
+        return contradicts(s.plane, s.table, kTableFactor) && !supported
                    ? QStringLiteral("contradicts the sensor table")
                    : QString();
     }
-    return contradicts(plane, equivalent, kEquivalentFactor)
+    return contradicts(s.plane, s.equivalent, kEquivalentFactor)
                ? QStringLiteral("contradicts the 35 mm equivalent")
                : QString();
+}
+
+QString doubtOfCalibration(const Sources& s)
+{
+    if (!usable(s.calibration)) {
+        return s.calibration ? s.calibration->doubt : QString();
+    }
+    const bool alone = !usable(s.plane) && !usable(s.table) && !usable(s.equivalent);
+    const bool supported = supports(s.calibration, s.plane, kTableFactor) ||
+                           supports(s.calibration, s.table, kTableFactor) ||
+                           supports(s.calibration, s.equivalent, kEquivalentFactor);
+    return alone || supported ? QString() : QStringLiteral("contradicts all other sources");
+}
+
+Sources findSources(const ExifInfo& exif)
+{
+    Sources s;
+    s.calibration = fromCalibration(exif);
+    s.equivalent = from35mm(exif);
+    if (exif.focalPlane && exif.focalPlane->x > 0.0 && exif.focalPlane->y > 0.0) {
+        s.plane = fromFocalPlane(exif, *exif.focalPlane);
+    }
+    if (const auto sensor = findSensorSize(exif.make, exif.model)) {
+        s.table = fromSensor(exif, *sensor);
+        if (narrowerThan(*sensor, exif) &&
+            (contradicts(s.table, s.plane, kOtherCameraFactor) ||
+             contradicts(s.table, s.equivalent, kOtherCameraFactor) ||
+             contradicts(s.table, s.calibration, kOtherCameraFactor))) {
+            s.table->doubt = QStringLiteral("of another camera of this name");
+        }
+    }
+    return s;
 }
 
 } // namespace
@@ -131,24 +197,15 @@ std::vector<PixelSizeEvidence> findPixelSizeEvidence(const ExifInfo& exif)
     if (exif.imageWidth == 0 || exif.imageHeight == 0) {
         return {};
     }
-    std::optional<PixelSizeEvidence> plane;
-    std::optional<PixelSizeEvidence> table;
-    std::optional<PixelSizeEvidence> equivalent = from35mm(exif);
-    if (exif.focalPlane && exif.focalPlane->x > 0.0 && exif.focalPlane->y > 0.0) {
-        plane = fromFocalPlane(exif, *exif.focalPlane);
+    Sources s = findSources(exif);
+    if (s.plane) {
+        s.plane->doubt = doubtOfFocalPlane(s);
     }
-    if (const auto sensor = findSensorSize(exif.make, exif.model)) {
-        table = fromSensor(exif, *sensor);
-        if (narrowerThan(*sensor, exif) && (contradicts(table, plane, kOtherCameraFactor) ||
-                                            contradicts(table, equivalent, kOtherCameraFactor))) {
-            table->doubt = QStringLiteral("of another camera of this name");
-        }
-    }
-    if (plane) {
-        plane->doubt = doubtOfFocalPlane(plane, table, equivalent);
+    if (s.calibration) {
+        s.calibration->doubt = doubtOfCalibration(s);
     }
     std::vector<PixelSizeEvidence> result;
-    for (const auto& evidence : {plane, table, equivalent}) {
+    for (const auto& evidence : {s.plane, s.calibration, s.table, s.equivalent}) {
         if (evidence) {
             result.push_back(*evidence);
         }

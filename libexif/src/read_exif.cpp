@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/exif/read_exif.h"
 
+#include "calibration_serial_number.h"
 #include "exif_record.h"
 #include "exiv2_reader.h"
 #include "image_bands.h"
 #include "jpeg_frame.h"
+#include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "serial_number.h"
 
@@ -54,6 +56,25 @@ bool saysNothing(const ExifInfo& exif, const XmpProperties& xmp)
            exif.serialNumber.isEmpty() && exif.focalLengthMm == 0.0 && xmp.empty();
 }
 
+QString readCalibrationSerialNumber(const QString& path)
+{
+    QFile file(path);
+    QString error;
+    QString serialNumber;
+    if (openFile(file, error)) {
+        const QByteArray content = file.read(kMaxCalibrationBytes + 1);
+        if (content.size() > kMaxCalibrationBytes) {
+            error = QStringLiteral("larger than %1 KiB").arg(kMaxCalibrationBytes >> 10);
+        } else {
+            serialNumber = findCalibrationSerialNumber(content, error);
+        }
+    }
+    if (serialNumber.isEmpty()) {
+        log::warning() << path + QStringLiteral(": no serial number:") << error;
+    }
+    return serialNumber;
+}
+
 } // namespace
 
 bool readExif(const QString& path, ExifInfo& exif, QString& error)
@@ -87,6 +108,9 @@ bool readExif(const QString& path, ExifInfo& exif, QString& error)
 
 QString getSerialNumber(const QString& path)
 {
+    if (file::filename(path) == QLatin1String("sequoia_therm.dat")) {
+        return readCalibrationSerialNumber(path);
+    }
     ExifInfo exif;
     QString error;
     if (!readExif(path, exif, error)) {

@@ -191,5 +191,58 @@ TEST(PixelSize, SourcesThatContradictEachOtherAreWeighed)
     }
 }
 
+TEST(PixelSize, ACalibrationInPixelsIsWeighedWithTheOthers)
+{
+    struct Case
+    {
+        const char* what;
+        double calibratedPx; ///< 4 mm / 1.5 um is 2666.7
+        double designPx;
+        double planeMm;
+        double focal35Mm; ///< 28.8 for 1.5 um
+        PixelSizeSource believed;
+        double pixelSizeMm;
+    };
+    const PixelSizeSource calibration = PixelSizeSource::Calibration;
+    const Case cases[] = {
+        {"alone", 2500.0, 0.0, 0.0, 0.0, calibration, 0.0016},
+        {"the design's counts", 2500.0, 2000.0, 0.0, 0.0, calibration, 0.002},
+        {"the tag is finer", 2500.0, 0.0, 0.0015, 0.0, PixelSizeSource::FocalPlane, 0.0015},
+        {"supported", 2500.0, 0.0, 0.003, 28.8, calibration, 0.0016},
+        {"contradicted", 1333.3, 0.0, 0.0, 28.8, PixelSizeSource::Focal35mm, 0.0015},
+        {"absurd", 100000.0, 0.0, 0.0, 0.0, PixelSizeSource::None, 0.0}};
+    for (const Case& c : cases) {
+        ExifInfo exif = unlistedCamera();
+        exif.focalPlane.reset();
+        if (c.planeMm > 0.0) {
+            exif.focalPlane = FocalPlaneResolution{1.0 / c.planeMm, 1.0 / c.planeMm};
+        }
+        exif.focalLength35Mm = 43.2666 * 4.0 / (0.0015 * 5000.0) * c.focal35Mm / 28.8;
+        exif.calibration.emplace();
+        exif.calibration->focalLengthPx = c.calibratedPx;
+        exif.calibration->nominalFocalLengthPx = c.designPx;
+        CameraData camera;
+        PixelSizeSource from = PixelSizeSource::None;
+        QString error;
+        EXPECT_EQ(getCamera(exif, camera, &from, error), c.believed != PixelSizeSource::None)
+            << c.what;
+        EXPECT_EQ(text::toString(from), text::toString(c.believed)) << c.what;
+        EXPECT_NEAR(camera.params.pixelSize, c.pixelSizeMm, 1e-6) << c.what;
+    }
+}
+
+TEST(PixelSize, TheEquivalentOfAFisheyeIsNotBelieved)
+{
+    ExifInfo exif = unlistedCamera();
+    exif.focalPlane.reset();
+    for (const auto& [equivalent, believed] : {std::pair(8.0, false), {10.0, true}}) {
+        exif.focalLength35Mm = equivalent;
+        exif.focalLengthMm = 0.1 * equivalent;
+        const auto evidence = findPixelSizeEvidence(exif);
+        ASSERT_EQ(evidence.size(), 1U);
+        EXPECT_EQ(evidence[0].doubt.isEmpty(), believed) << equivalent;
+    }
+}
+
 } // namespace
 } // namespace lumo::exif

@@ -67,5 +67,51 @@ TEST(RealImages, AreReadAsTheirIndexSays)
     EXPECT_GT(images, 60);
 }
 
+TEST(RealImages, CarryCalibrationsThatFitTheirSensors)
+{
+    struct Camera
+    {
+        const char* files;
+        double pixelSizeMm; ///< as published
+        LensType lens;
+        int count;
+        bool inPixels;
+    };
+    const Camera cameras[] = {
+        {"micasense_rededge_*", 0.00375, LensType::Perspective, 11, true},
+        {"dji_fc6360_*", 0.003, LensType::Perspective, 12, true},
+        {"parrot_sequoia_*.tif", 0.00375, LensType::Fisheye, 4, true},
+        {"parrot_sequoia_*.jpg", 0.00134, LensType::Perspective, 1, false}};
+    const QDir folder = sharedImages();
+    if (!folder.exists()) {
+        GTEST_SKIP() << "no real images beside the source tree";
+    }
+    for (const Camera& c : cameras) {
+        const QStringList files = folder.entryList({QLatin1String(c.files)});
+        EXPECT_EQ(files.size(), c.count) << c.files;
+        for (const QString& file : files) {
+            SCOPED_TRACE(qPrintable(file));
+            ExifInfo exif;
+            CameraData camera;
+            QString error;
+            ASSERT_TRUE(readExif(folder.filePath(file), exif, error)) << qPrintable(error);
+            ASSERT_TRUE(getCamera(exif, camera, nullptr, error)) << qPrintable(error);
+            EXPECT_TRUE(camera.params.valid(error, true)) << qPrintable(error);
+            EXPECT_EQ(camera.params.lensType, c.lens);
+            EXPECT_NE(
+                2.0 * camera.params.principalPointPixel()[0], static_cast<double>(exif.imageWidth));
+            bool stated = false;
+            for (const PixelSizeEvidence& evidence : findPixelSizeEvidence(exif)) {
+                EXPECT_EQ(evidence.doubt, QString());
+                if (evidence.source == PixelSizeSource::Calibration) {
+                    stated = true;
+                    EXPECT_NEAR(evidence.pixelSizeMm, c.pixelSizeMm, 0.02 * c.pixelSizeMm);
+                }
+            }
+            EXPECT_EQ(stated, c.inPixels);
+        }
+    }
+}
+
 } // namespace
 } // namespace lumo::exif

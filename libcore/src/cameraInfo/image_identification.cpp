@@ -20,6 +20,8 @@ PixelSizeOrigin originOf(exif::PixelSizeSource source)
         return PixelSizeOrigin::SensorTable;
     case exif::PixelSizeSource::Focal35mm:
         return PixelSizeOrigin::Focal35mm;
+    case exif::PixelSizeSource::Calibration:
+        return PixelSizeOrigin::Calibration;
     case exif::PixelSizeSource::None:
         break;
     }

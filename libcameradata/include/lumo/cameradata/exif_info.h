@@ -3,6 +3,7 @@
 
 #include "lumo/cameradata/bands.h"
 #include "lumo/cameradata/export.h"
+#include "lumo/cameradata/lens_calibration.h"
 
 #include <QDateTime>
 #include <QString>
@@ -60,6 +61,7 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
     std::size_t fileWidth = 0;
     std::size_t fileHeight = 0;
     std::optional<FocalPlaneResolution> focalPlane;
+    std::optional<LensCalibration> calibration; ///< if the image carries a whole one
     bands_t bands;
     bool bandsNamed = false; ///< by the file itself; else they follow from the number of channels
     QDateTime dateTime;      ///< of exposure, in the camera's local time, to the millisecond

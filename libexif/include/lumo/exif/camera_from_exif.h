@@ -18,6 +18,7 @@ enum class PixelSizeSource {
     FocalPlane,  ///< the focal plane resolution tags
     SensorTable, ///< findSensorSize
     Focal35mm,   ///< the ratio of focal length to its 35 mm equivalent
+    Calibration, ///< the ratio of focal length to the calibrated one in pixels
 };
 
 /// One statement about the pixel size of an image.
@@ -36,28 +37,42 @@ struct PixelSizeEvidence
 ///
 /// - Focal plane resolution r: 1 / r, r the mean of both axes. Doubted if the
 ///   axes differ by more than 5 %; if the sensor would not be 1 to 70 mm long; if
-///   it differs from the sensor table by more than a factor of 1.2 and the 35 mm
-///   equivalent does not support it (images scaled after the tag was written;
+///   it differs from the sensor table by more than a factor of 1.2 and neither the 35 mm
+///   equivalent nor the calibration supports it (images scaled after the tag was written;
 ///   a Canon EOS 20D is 1.37 off by itself); if, without a table entry, it differs
 ///   from the 35 mm equivalent, which is coarse, by more than 1.5. Two values in
 ///   the proportion of the image's sides are taken as the sensor's size in
 ///   millimetres, which some thermal cameras write here.
+/// - Calibration in pixels: the focal length over the calibrated one, the design's
+///   where that is stated, of a fisheye lens (2 / pi) p1 sqrt(|c f - d e|). Right to
+///   some 2 %, as lenses differ from their designs. Doubted if the sensor would not
+///   be 1 to 70 mm long, or if there are other believed sources and none is within
+///   the factors above.
 /// - Sensor table: the smaller of sensor side / image side over both axes, as an
 ///   image of another shape than the sensor is a crop along one of them. Doubted
 ///   if the image is narrower than the sensor without being square (cameras crop
 ///   to wider shapes or to squares) and another source differs by more than a
 ///   factor of 1.15: it is then from another camera of the product.
 /// - 35 mm equivalent: the diagonal of a 36 mm x 24 mm frame, 43.267 mm, times
-///   focal length / equivalent is the sensor's diagonal.
+///   focal length / equivalent is the sensor's diagonal. Doubted below 9 mm, wider
+///   than perspective lenses are built: of a fisheye lens the ratio says nothing.
 [[nodiscard]] LUMO_EXIF_EXPORT std::vector<PixelSizeEvidence> findPixelSizeEvidence(
     const ExifInfo& exif);
 
 /// The camera that the metadata describe, with a pixel size (mm) from elsewhere; 0
 /// if there is none. What the metadata do not say is empty or 0.
+///
+/// A calibration in the image gives focal length, principal point and distortion or
+/// fisheye terms, unless its focal length, at this pixel size, is off the EXIF one by
+/// more than a factor of 1.2, or its principal point by more than an eighth of the
+/// longer side off the middle (it is then of another camera or image size): it is
+/// refused as a whole, with a log warning. Portrait images get it turned as
+/// CameraParams::turned() does. See readExif for what is read.
 [[nodiscard]] LUMO_EXIF_EXPORT CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm);
 
-/// The camera that metadata alone yield: a perspective lens without distortion,
-/// principal point in the middle, at the size that the camera recorded. Named by
+/// The camera that metadata alone yield, at the size that the camera recorded: as
+/// calibrated, else a perspective lens without distortion, principal point in the
+/// middle. Named by
 /// the first identifier of ExifInfo::exifId() that is a valid camera name. The
 /// pixel size is the first evidence that is not doubted; doubted evidence before
 /// it is logged.
@@ -72,7 +87,7 @@ struct PixelSizeEvidence
 
 namespace text {
 
-/// "none", "focalPlane", "sensorTable" or "focal35mm".
+/// "none", "focalPlane", "calibration", "sensorTable" or "focal35mm".
 [[nodiscard]] LUMO_EXIF_EXPORT QString toString(exif::PixelSizeSource source);
 
 } // namespace text

@@ -22,6 +22,23 @@ namespace lumo::exif {
 ///   array, else the pixel array. Of a raw file the main image counts, not the
 ///   preview.
 /// - Focal plane resolution: pixels per millimetre; a missing unit is the inch.
+/// - Calibration: the first of these sets that is begun, if it is whole; what is
+///   missing or wrong is named in a log warning, and the rest is not used then.
+///   1. drone-dji:DewarpData "date;fx,fy,cx,cy,k1,k2,p1,p2,k3", pixels, cx and cy
+///      from the image's middle. K1 to K3 = k1 to k3, T1 = p1, T2 = p2. Our focal
+///      length is the mean of fx and fy, which moves points near an edge by up to
+///      half their difference times the edge's distance over the focal length.
+///   2. Camera:ModelType "perspective": PrincipalPoint "x,y" (mm from the upper
+///      left corner), PerspectiveFocalLength, PerspectiveDistortion
+///      "K1,K2,K3,T1,T2". The focal length is in mm where
+///      PerspectiveFocalLengthUnits is "mm"; without a unit, in mm if within a
+///      factor of 1.5 of the EXIF focal length, else in pixels.
+///   3. Camera:ModelType "fisheye": PrincipalPoint, FisheyePolynomial "p0,p1,..." up
+///      to p4 of theta = 2/pi times the angle, FisheyeAffineMatrix "c,d,e,f" (pixels).
+///   4. drone-dji:CalibratedFocalLength, CalibratedOpticalCenterX and ...Y (pixels):
+///      the design's, without distortion.
+///   drone-dji:DewarpFlag 1 says that the camera has removed the distortion: the
+///   terms are 0 then, and focal length and principal point are kept.
 /// - Bands: named by XMP; else Red, Green, Blue of a colour image, "Gray" of a
 ///   single channel, "Band 1" and so on of other numbers of channels. Widths are
 ///   full widths: where DJI states a half width ("450(+/-16)nm") it is doubled.
@@ -37,8 +54,18 @@ namespace lumo::exif {
 ///     camera
 [[nodiscard]] LUMO_EXIF_EXPORT bool readExif(const QString& path, ExifInfo& exif, QString& error);
 
-/// The serial number of the camera body that took an image; empty, with a log
-/// line that says why, if the file cannot be read or holds none.
+/// The serial number of the camera body that took an image, or of the device that
+/// a factory calibration file is for; empty, with a log line that says why, if the
+/// file cannot be read or holds none.
+///
+/// A calibration file is one named "sequoia_therm.dat": a text of at most 1 MiB
+/// without NUL bytes. Read are, ignoring case,
+///     serial: X     serial = X     serial X     "serial": "X",
+///     <serial>X</serial>           <device serial="X">
+/// on one line, of which the first 4096 bytes count; for `serial` also `serial
+/// number` and `serial no`, with a blank, "_", "-" or nothing between. X has up to
+/// 64 letters, digits, "." and "-", among them a digit other than 0. Several
+/// numbers that differ count as none.
 [[nodiscard]] LUMO_EXIF_EXPORT QString getSerialNumber(const QString& path);
 
 } // namespace lumo::exif
