@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Makes the sample images: plain grey pictures with the metadata of survey cameras.
+"""Makes the sample images: plain pictures with the metadata of survey cameras.
 
-Usage: make_samples.py OUTPUT_DIR. The same input always gives the same bytes.
+Usage: make_samples.py SAMPLES_DIR, below which the folders images and sequoia are
+filled. The same input always gives the same bytes.
 Nothing but Python's standard library is used.
 """
 
+import base64
 import pathlib
 import struct
 import sys
@@ -147,6 +149,39 @@ def band_tiff(band, index, centre, fwhm):
     return tiff_bytes(main, exif, packed_zeros(2 * width * height))
 
 
+SEQUOIA_SERIAL = "PS01-0000001"
+
+
+def sequoia_tiff(band, rows, irradiance=None):
+    """A single-band image, in one uncompressed strip; each pixel has a value of
+    its own."""
+    width = 8
+    main, exif = camera_tags("Parrot", "Sequoia", 3.98, width, rows, SEQUOIA_SERIAL, 30)
+    light = ""
+    if irradiance is not None:
+        reading = struct.pack("<QHHHHfff", 1000, irradiance, 0, 1, 100, 0.0, 0.0, 0.0)
+        light = f"<Camera:IrradianceList>{base64.b64encode(reading).decode()}</Camera:IrradianceList>"
+    xmp = f"""<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
+<rdf:Description xmlns:Camera="http://ns.example.org/camera/1.0/">
+<Camera:BandName>{band}</Camera:BandName>{light}
+</rdf:Description></rdf:RDF></x:xmpmeta>"""
+    main.update({
+        0x0100: (LONG, width), 0x0101: (LONG, rows), 0x0102: (SHORT, 16), 0x0103: (SHORT, 1),
+        0x0106: (SHORT, 1), 0x0115: (SHORT, 1), 0x02BC: (1, xmp.encode("utf-8")),
+    })
+    return tiff_bytes(main, exif, struct.pack(f"<{rows * width}H", *range(rows * width)))
+
+
+def sequoia_samples():
+    """One device: a raw image with debug lines, one without irradiance, a colour
+    image, and the calibration file."""
+    yield "IMG_260504_101112_0000_GRE.TIF", sequoia_tiff("Green", 970, irradiance=4242)
+    yield "IMG_260504_101112_0000_NIR.TIF", sequoia_tiff("NIR", 960)
+    yield "IMG_260504_101112_0000_RGB.JPG", sample_jpeg(
+        "Parrot", "Sequoia", 4.88, 4608, 3456, (1152, 864), serial=SEQUOIA_SERIAL)
+    yield "sequoia_therm.dat", f"serial: {SEQUOIA_SERIAL}\n".encode()
+
+
 def samples():
     yield "drone_fc6310.jpg", sample_jpeg("DJI", "FC6310", 8.8, 5472, 3648, serial="0K8TDB0000001")
     yield "drone_fc6310_half.jpg", sample_jpeg("DJI", "FC6310", 8.8, 5472, 3648, (2736, 1824))
@@ -158,10 +193,11 @@ def samples():
 
 
 def main():
-    output = pathlib.Path(sys.argv[1])
-    output.mkdir(parents=True, exist_ok=True)
-    for name, content in samples():
-        (output / name).write_bytes(content)
+    for folder, files in (("images", samples()), ("sequoia", sequoia_samples())):
+        output = pathlib.Path(sys.argv[1]) / folder
+        output.mkdir(parents=True, exist_ok=True)
+        for name, content in files:
+            (output / name).write_bytes(content)
 
 
 if __name__ == "__main__":

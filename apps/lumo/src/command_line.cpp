@@ -8,6 +8,7 @@
 #include "project_command.h"
 #include "resources_command.h"
 #include "rig_command.h"
+#include "sequoia_command.h"
 
 #include <CLI/CLI.hpp>
 #include <QFile>
@@ -36,6 +37,7 @@ struct Arguments
     AlignRequest align;
     std::string jsonFile;
     std::string reportFile;
+    std::string cutFolder;
     project::ConvertRequest project;
     std::string output;
     std::string backup = "auto";
@@ -102,6 +104,20 @@ void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
         ->required();
     rigCommand->add_flag(
         "--matrix", arguments.matrix, "Show captures against the rig's cameras, with gaps");
+}
+
+void addSequoiaCommand(CLI::App& app, Run& run, Arguments& arguments)
+{
+    CLI::App* command = addCommand(
+        app, run, "sequoia", "Show the Sequoia devices of image files and what they lack",
+        "lumo sequoia --remove-debug-lines cut/ flight1/", [&arguments] {
+            return showSequoia(toQt(arguments.paths), toQt(arguments.cutFolder), arguments.common);
+        });
+    command->add_option("PATH", arguments.paths, "Image files, or folders with image files")
+        ->required();
+    command->add_option(
+        "--remove-debug-lines", arguments.cutFolder,
+        "Write copies of raw images (970 rows) without their debug lines into this folder");
 }
 
 void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
@@ -315,6 +331,7 @@ Request parseCommandLine(int argc, char** argv)
         "Folder of your own databases and settings (default: the user's data folder)");
     Run run;
     addImageCommands(app, run, *arguments);
+    addSequoiaCommand(app, run, *arguments);
     addDatabaseCommands(app, run, *arguments);
     addResourcesCommand(app, run, *arguments);
     addAlignCommand(app, run, *arguments);

@@ -3,7 +3,9 @@
 
 #include "cameraInfo/pixel_size_estimate.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
+#include "lumo/core/specificSensor/sequoia.h"
 #include "lumo/exif/camera_from_exif.h"
+#include "lumo/exif/sequoia.h"
 
 #include <algorithm>
 #include <cmath>
@@ -92,6 +94,21 @@ void scaleToFile(const ExifInfo& exif, CameraParams& params)
     }
 }
 
+/// The metadata that the picture would have without the debug lines of a Sequoia.
+ExifInfo withoutDebugLines(const ExifInfo& exif)
+{
+    InputImage image(QString(), exif);
+    if (!exif::sequoia::isSequoia(exif) || image.spectralKind() != SpectralKind::Multispectral) {
+        return exif;
+    }
+    sequoia::fixImageDimensionsToRemoveDebugLines(image);
+    ExifInfo result = image.exif();
+    if (result.fileHeight == sequoia::kRawHeight) {
+        result.fileHeight = sequoia::kUsableHeight;
+    }
+    return result;
+}
+
 } // namespace
 
 QString toString(PixelSizeOrigin origin)
@@ -115,8 +132,9 @@ QString toString(PixelSizeOrigin origin)
     return QStringLiteral("none");
 }
 
-ImageIdentification identifyImage(const ExifInfo& exif, const CameraModelDb& database)
+ImageIdentification identifyImage(const ExifInfo& recorded, const CameraModelDb& database)
 {
+    const ExifInfo exif = withoutDebugLines(recorded);
     ImageIdentification result;
     const bool holdsPicture = exif.fileWidth > 0 && exif.fileHeight > 0;
     result.width = holdsPicture ? exif.fileWidth : exif.imageWidth;

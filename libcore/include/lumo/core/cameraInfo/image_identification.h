@@ -38,8 +38,8 @@ struct ImageIdentification
     QString modelName;                  ///< of the database's model; empty if none was found
     std::optional<CameraSource> source; ///< nothing if the camera is incomplete
     PixelSizeOrigin pixelSizeFrom = PixelSizeOrigin::None;
-    /// The image as it is in the file; the recorded size where the file holds
-    /// no picture.
+    /// The image as it is in the file, without the debug lines of a Sequoia's raw
+    /// image; the recorded size where the file holds no picture.
     std::size_t width = 0;
     std::size_t height = 0;
     /// Why there is no pixel size; empty if there is one.
@@ -54,7 +54,11 @@ struct ImageIdentification
 /// times recorded over own width; where the proportions differ, the picture is
 /// taken for a crop and the pixel size is kept. Portrait images get the model
 /// turned.
+///
+/// A single-band image of a Sequoia that is 970 rows high counts as one of 960
+/// rows, in the file and as recorded: its first 8 and last 2 rows are no picture.
+/// `recorded` itself keeps both heights.
 [[nodiscard]] LUMO_CORE_EXPORT ImageIdentification
-identifyImage(const ExifInfo& exif, const CameraModelDb& database);
+identifyImage(const ExifInfo& recorded, const CameraModelDb& database);
 
 } // namespace lumo

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lumo/core/specificSensor/sequoia_file.h"
+
+#include "lumo/core/specificSensor/sequoia.h"
+#include "lumo/foundation/file.h"
+#include "specificSensor/tiff_rows.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+#include <unistd.h>
+
+namespace lumo::sequoia {
+namespace {
+
+constexpr qint64 kMaxFileBytes = 256LL << 20;
+
+bool readWhole(const QString& path, QByteArray& content, QString& error)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile()) { // reading from a pipe or device might never end
+        error = QStringLiteral("no such file");
+    } else if (!file.open(QIODevice::ReadOnly)) {
+        error = file.errorString().simplified();
+    } else if (file.size() > kMaxFileBytes) {
+        error = QStringLiteral("larger than %1 MiB").arg(kMaxFileBytes >> 20);
+    } else {
+        content = file.readAll();
+        if (file.error() == QFileDevice::NoError) {
+            return true;
+        }
+        error = file.errorString().simplified();
+    }
+    return false;
+}
+
+/// The file appears whole and only where nothing is yet: unlike the system's
+/// rename, that of QTemporaryFile does not replace.
+bool writeNew(
+    const QString& path, const QByteArray& content, QFileDevice::Permissions permissions,
+    QString& error)
+{
+    QTemporaryFile file(file::join(file::dirname(path), QStringLiteral(".lumo-XXXXXX")));
+    const bool written = file.open() && file.write(content) == content.size() && file.flush() &&
+                         file.setPermissions(permissions) && fsync(file.handle()) == 0;
+    if (!written || !file.rename(path)) {
+        const QString reason =
+            file::exists(path) ? QStringLiteral("already exists") : file.errorString().simplified();
+        error = QStringLiteral("cannot write the copy (%1)").arg(reason);
+        return false;
+    }
+    file.setAutoRemove(false);
+    return true;
+}
+
+} // namespace
+
+bool writeWithoutDebugLines(const QString& source, const QString& target, QString& error)
+{
+    constexpr RowRange kPicture = {kFirstUsableRow, kUsableHeight};
+    QByteArray content;
+    return readWhole(source, content, error) && cutTiffRows(content, kRawHeight, kPicture, error) &&
+           writeNew(target, content, QFileInfo(source).permissions(), error);
+}
+
+} // namespace lumo::sequoia
