@@ -15,7 +15,6 @@
 namespace lumo {
 namespace {
 
-constexpr double kInlierWeight = 0.5;
 /// A reflection fits clearly better when it leaves less than this share of the
 /// residuals.
 constexpr double kClearlyBetter = 0.5;

@@ -10,7 +10,6 @@
 namespace lumo {
 namespace {
 
-constexpr double kInlierWeight = 0.5;
 constexpr double kLargestRollError = 0.05; // rad
 /// Structure smaller than this share of the extent does not count.
 constexpr double kSmallestRatio = 1e-6;

@@ -19,7 +19,6 @@ static void initialiseResource()
 namespace lumo {
 namespace {
 
-constexpr double kInlierWeight = 0.5;
 constexpr std::size_t kBins = 41; // odd, so that one bin has zero in its middle
 
 QByteArray pageTemplate()

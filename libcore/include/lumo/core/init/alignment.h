@@ -37,6 +37,9 @@ struct AlignmentOptions
     std::uint32_t seed = 5489; ///< of the random samples
 };
 
+/// A pair of this weight or more counts as an inlier.
+inline constexpr double kInlierWeight = 0.5;
+
 /// The similarity transform that takes points 2 to points 1, and how well.
 struct Alignment
 {
@@ -45,7 +48,7 @@ struct Alignment
     /// point 1 - transform(point 2), in the unit of points 1.
     std::vector<Eigen::Vector3d> residuals;
     double inlierRatio = 0.0; ///< mean weight
-    std::size_t inliers = 0;  ///< pairs of a weight of 0.5 and more
+    std::size_t inliers = 0;  ///< pairs of kInlierWeight and more
     double rmsInliers = 0.0;  ///< root mean square length of their residuals
     Degeneracy degeneracy = Degeneracy::None;
 };
