@@ -4,16 +4,31 @@
 #include <algorithm>
 
 namespace lumo {
+namespace {
+
+bool forbidden(QChar character)
+{
+    switch (character.unicode()) {
+    case '/':
+    case '\\':
+    case '<':
+    case '>':
+    case '&':
+    case '"':
+    case '\'':
+        return true;
+    default:
+        return character.category() == QChar::Other_Control;
+    }
+}
+
+} // namespace
 
 bool validCameraName(const QString& name)
 {
     constexpr int kMaxLength = 255;
-    static const QString forbidden = QStringLiteral("/\\<>&\"'");
-    const auto refused = [](QChar character) {
-        return character.category() == QChar::Other_Control || forbidden.contains(character);
-    };
     return !name.isEmpty() && name.size() <= kMaxLength && name != QLatin1String("none") &&
-           std::none_of(name.begin(), name.end(), refused);
+           std::none_of(name.begin(), name.end(), forbidden);
 }
 
 } // namespace lumo

@@ -51,6 +51,8 @@ void setSizes(const RawMetadata& raw, const TagReader& tags, ExifInfo& exif)
     const bool larger = width * height > exif.fileWidth * exif.fileHeight;
     exif.imageWidth = larger ? width : exif.fileWidth;
     exif.imageHeight = larger ? height : exif.fileHeight;
+    exif.sizeStated =
+        larger || (width * height > 0 && width * height == exif.fileWidth * exif.fileHeight);
 }
 
 /// Millimetres in a unit of FocalPlaneResolutionUnit; 0 for other numbers.
@@ -202,6 +204,14 @@ double equivalentFocalLength(const TagReader& tags)
     return tags.number(kKey) == 0.0 ? 0.0 : tags.positive(kKey, kMaxFocalLengthMm);
 }
 
+/// 0/0 and 0 are common ways to say that there was none.
+double digitalZoom(const TagReader& tags)
+{
+    constexpr double kMaxZoom = 1000.0;
+    const double zoom = tags.number("Exif.Photo.DigitalZoomRatio").value_or(0.0);
+    return zoom > 0.0 && zoom <= kMaxZoom ? zoom : 0.0;
+}
+
 } // namespace
 
 ExifInfo makeRecord(const RawMetadata& raw, const TagReader& tags, const XmpProperties& xmp)
@@ -212,6 +222,7 @@ ExifInfo makeRecord(const RawMetadata& raw, const TagReader& tags, const XmpProp
     exif.lensModel = firstText(tags, "Exif.Photo.LensModel", xmp, {"exifEX:LensModel", "aux:Lens"});
     exif.focalLengthMm = tags.positive("Exif.Photo.FocalLength", kMaxFocalLengthMm);
     exif.focalLength35Mm = equivalentFocalLength(tags);
+    exif.digitalZoom = digitalZoom(tags);
     exif.fNumber = tags.positive("Exif.Photo.FNumber", kMaxFNumber);
     setSizes(raw, tags, exif);
     exif.focalPlane = focalPlane(tags);

@@ -2,6 +2,7 @@
 #include "exiv2_reader.h"
 
 #include "lumo/foundation/log.h"
+#include "metadata_bytes.h"
 
 #include <QFile>
 #include <exiv2/exiv2.hpp>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <limits>
 #include <mutex>
+#include <optional>
 
 namespace lumo::exif {
 namespace {
@@ -23,20 +25,18 @@ void logMessage(int, const char* message)
 
 /// exiv2 decodes XMP with process-wide tables of namespaces, and does not keep
 /// threads apart there, not even with the lock that it can be given: files that
-/// bind one prefix to different addresses disturb each other. So files are read
-/// one at a time, and the tables are emptied after each (a prefix that is bound
+/// bind one prefix to different addresses disturb each other. So files with XMP are
+/// read one at a time, and the tables are emptied after each (a prefix that is bound
 /// anew leaks the old entry).
-class Exiv2Session
+class XmpSession
 {
 public:
-    Exiv2Session()
+    XmpSession()
         : m_lock(mutex())
-    {
-        Exiv2::LogMsg::setHandler(logMessage);
-    }
-    Exiv2Session(const Exiv2Session&) = delete;
-    Exiv2Session& operator=(const Exiv2Session&) = delete;
-    ~Exiv2Session() { Exiv2::XmpProperties::unregisterNs(); }
+    {}
+    XmpSession(const XmpSession&) = delete;
+    XmpSession& operator=(const XmpSession&) = delete;
+    ~XmpSession() { Exiv2::XmpProperties::unregisterNs(); }
 
 private:
     static std::mutex& mutex()
@@ -144,15 +144,16 @@ QString reason(const Exiv2::Error& failure, bool recognised)
     }
 }
 
-} // namespace
-
-bool readRawMetadata(const QString& path, RawMetadata& raw, QString& error)
+/// \param io  a BasicIo of our own: given a text, exiv2 would also open URLs and pipes
+bool readWithExiv2(Exiv2::BasicIo::AutoPtr io, RawMetadata& raw, QString& error)
 {
-    const Exiv2Session session;
+    static const bool handled = [] {
+        Exiv2::LogMsg::setHandler(logMessage);
+        return true;
+    }();
+    static_cast<void>(handled);
     bool recognised = false;
     try {
-        // A FileIo of our own: given a text, exiv2 would also open URLs and pipes.
-        Exiv2::BasicIo::AutoPtr io(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
         const Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(io);
         if (image.get() == nullptr) {
             error = QStringLiteral("not an image of a known format");
@@ -169,6 +170,26 @@ bool readRawMetadata(const QString& path, RawMetadata& raw, QString& error)
                     .arg(QString::fromLocal8Bit(failure.what()).simplified());
     }
     return false;
+}
+
+} // namespace
+
+bool readRawMetadata(QFile& file, RawMetadata& raw, QString& error)
+{
+    const std::optional<MetadataBytes> bytes = takeOutXmp(file);
+    if (!bytes) {
+        const XmpSession session;
+        Exiv2::BasicIo::AutoPtr io(
+            new Exiv2::FileIo(QFile::encodeName(file.fileName()).toStdString()));
+        return readWithExiv2(io, raw, error);
+    }
+    // MemIo refers to the bytes, which are only read.
+    Exiv2::BasicIo::AutoPtr io(new Exiv2::MemIo(bytes->data, static_cast<long>(bytes->size)));
+    if (!readWithExiv2(io, raw, error)) {
+        return false;
+    }
+    raw.xmpPacket = bytes->xmpPacket;
+    return true;
 }
 
 } // namespace lumo::exif

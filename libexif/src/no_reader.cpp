@@ -3,7 +3,7 @@
 
 namespace lumo::exif {
 
-bool readRawMetadata(const QString&, RawMetadata&, QString& error)
+bool readRawMetadata(QFile&, RawMetadata&, QString& error)
 {
     error = QStringLiteral("built without a metadata reader");
     return false;

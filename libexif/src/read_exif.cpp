@@ -81,7 +81,7 @@ bool readExif(const QString& path, ExifInfo& exif, QString& error)
 {
     QFile file(path);
     RawMetadata raw;
-    if (!openFile(file, error) || !readRawMetadata(path, raw, error)) {
+    if (!openFile(file, error) || !readRawMetadata(file, raw, error)) {
         return false;
     }
     const TagReader tags(raw);

@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/exif/camera_from_exif.h"
 #include "lumo/exif/read_exif.h"
+#include "shared_images.h"
 
-#include <QDir>
 #include <QFile>
 #include <QStringList>
 #include <gtest/gtest.h>
 
 namespace lumo::exif {
 namespace {
-
-QDir sharedImages()
-{
-    const QString given = QString::fromLocal8Bit(qgetenv("LUMO_SHARED_DIR"));
-    const QString shared = given.isEmpty() ? QStringLiteral(LUMO_SOURCE_DIR "/../shared") : given;
-    return QDir(shared + QStringLiteral("/images"));
-}
 
 /// One line's fields; quotes keep commas.
 QStringList csvFields(const QString& line)

@@ -53,10 +53,12 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
     double focalLengthMm = 0.0;
     double focalLength35Mm = 0.0; ///< on a 36 mm x 24 mm frame, by the diagonal
     double fNumber = 0.0;
+    double digitalZoom = 0.0; ///< as a factor; 1 or 0: none
     /// The size the camera recorded: the EXIF size where it is larger than the
     /// pixel array, else the pixel array.
     std::size_t imageWidth = 0;
     std::size_t imageHeight = 0;
+    bool sizeStated = false; ///< by the metadata; else the size is that of the pixel array alone
     /// The pixel array in the file; 0 x 0 if the file holds no picture.
     std::size_t fileWidth = 0;
     std::size_t fileHeight = 0;

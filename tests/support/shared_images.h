@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QDir>
+#include <QString>
+
+/// The folder of real images beside the checkout, or in LUMO_SHARED_DIR; it may not
+/// exist.
+inline QDir sharedImages()
+{
+    const QString given = QString::fromLocal8Bit(qgetenv("LUMO_SHARED_DIR"));
+    const QString shared = given.isEmpty() ? QStringLiteral(LUMO_SOURCE_DIR "/../shared") : given;
+    return QDir(shared + QStringLiteral("/images"));
+}
