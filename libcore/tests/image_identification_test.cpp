@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace lumo {
 namespace {
 
@@ -24,19 +26,43 @@ ExifInfo exifOf(
     return exif;
 }
 
-CameraModelDb databaseWith(const CameraModelFromDB& model)
+ExifInfo withFocalPlane(ExifInfo exif, double pixelsPerMm)
+{
+    exif.focalPlane = FocalPlaneResolution{pixelsPerMm, pixelsPerMm};
+    return exif;
+}
+
+CameraModelDb databaseWith(const std::vector<CameraModelFromDB>& models)
 {
     cameradb::CameraDBData data;
-    data.cameras.emplace(model.params.name, model);
+    for (const CameraModelFromDB& model : models) {
+        data.cameras.emplace(model.params.name, model);
+    }
     CameraModelDb db;
     db.setInternalData(data);
     return db;
 }
 
-ExifInfo withFocalPlane(ExifInfo exif, double pixelsPerMm)
+/// Named by its identifier; \p pixelSizeUm micrometres.
+CameraModelFromDB modelOf(const char* identifier, double pixelSizeUm)
 {
-    exif.focalPlane = FocalPlaneResolution{pixelsPerMm, pixelsPerMm};
+    CameraModelFromDB model = testModel(identifier);
+    const QStringList tokens = tokenizeExifId(identifier);
+    model.params.setImageSize(tokens[3].toULongLong(), tokens[4].toULongLong());
+    model.params.pixelSize = pixelSizeUm / 1000.0;
+    return model;
+}
+
+ExifInfo withFocalLength(ExifInfo exif, double mm, double equivalentMm = 0.0)
+{
+    exif.focalLengthMm = mm;
+    exif.focalLength35Mm = equivalentMm;
     return exif;
+}
+
+ExifInfo asStored(const char* model, std::size_t width, std::size_t height)
+{
+    return exifOf(model, width, height, width, height);
 }
 
 struct Case
@@ -45,42 +71,101 @@ struct Case
     ExifInfo exif;
     double pixelSizeUm;
     PixelSizeOrigin from;
-    std::size_t width;
-    std::size_t height;
+    ImageMode mode;
 };
 
-// The database holds Cam at 4000 x 3000 pixels of 1.5 um.
-TEST(IdentifyImage, PixelSizeIsThatOfThePictureInTheFile)
+// Cam: a sensor of 6 mm x 4.5 mm that is also read binned and cropped. Pair: a wide
+// colour camera and a thermal one under one name.
+TEST(IdentifyImage, PixelSizeAndModeFollowFromTheSizes)
 {
-    const CameraModelDb db = databaseWith(testModel("Cam_5.0_4000x3000"));
+    const CameraModelDb db = databaseWith(
+        {modelOf("Cam_5.0_4000x3000", 1.5), modelOf("Cam_5.0_2000x1500", 3.0),
+         modelOf("Cam_5.0_3000x3000", 1.5), modelOf("Pair_5.0_4000x3000", 1.5),
+         modelOf("Pair_9.0_640x512", 12.0), modelOf("Maker_9.0_640x512", 17.0)});
+    using From = PixelSizeOrigin;
+    using Mode = ImageMode;
+    ExifInfo makerOnly = asStored("", 640, 512);
+    ExifInfo otherMakerSize = asStored("", 320, 256);
     const Case cases[] = {
-        {"as recorded", exifOf("Cam", 4000, 3000, 4000, 3000), 1.5, PixelSizeOrigin::Database, 4000,
-         3000},
-        {"no picture", exifOf("Cam", 4000, 3000, 0, 0), 1.5, PixelSizeOrigin::Database, 4000, 3000},
-        {"scaled to half", exifOf("Cam", 4000, 3000, 2000, 1500), 3.0, PixelSizeOrigin::Database,
-         2000, 1500},
-        {"other proportions", exifOf("Cam", 4000, 3000, 8, 8), 1.5, PixelSizeOrigin::Database, 8,
-         8},
-        {"portrait", exifOf("Cam", 3000, 4000, 3000, 4000), 1.5, PixelSizeOrigin::Database, 3000,
-         4000},
-        {"a crop that the database does not list", exifOf("Cam", 4000, 2250, 4000, 2250), 1.5,
-         PixelSizeOrigin::Estimated, 4000, 2250},
-        {"metadata before a scaled estimate",
-         withFocalPlane(exifOf("Cam", 2000, 1500, 2000, 1500), 500), 2.0,
-         PixelSizeOrigin::FocalPlane, 2000, 1500},
-        {"unknown, no evidence", exifOf("Else", 2000, 1500, 2000, 1500), 0.0, PixelSizeOrigin::None,
-         2000, 1500},
+        {"as recorded", asStored("Cam", 4000, 3000), 1.5, From::Database, Mode::Native},
+        {"no picture", exifOf("Cam", 4000, 3000, 0, 0), 1.5, From::Database, Mode::Native},
+        {"portrait", asStored("Cam", 3000, 4000), 1.5, From::Database, Mode::Native},
+        {"listed as binned", asStored("Cam", 2000, 1500), 3.0, From::Database, Mode::Binned},
+        {"listed as a crop", asStored("Cam", 3000, 3000), 1.5, From::Database, Mode::Cropped},
+        {"file half as wide", exifOf("Cam", 4000, 3000, 2000, 1500), 3.0, From::Database,
+         Mode::Resized},
+        {"file turned and half as wide", exifOf("Cam", 4000, 3000, 1500, 2000), 3.0, From::Database,
+         Mode::Resized},
+        {"file cut to a square", exifOf("Cam", 4000, 3000, 1000, 1000), 1.5, From::Database,
+         Mode::Cropped},
+        {"file of a pixel", exifOf("Cam", 4000, 3000, 1, 1), 1.5, From::Database, Mode::Unknown},
+        {"a crop that is not listed", asStored("Cam", 4000, 2250), 1.5, From::Estimated,
+         Mode::Cropped},
+        {"another focal length", withFocalLength(asStored("Cam", 4000, 3000), 50), 1.5,
+         From::Estimated, Mode::Native},
+        {"a quarter: scaled or binned", asStored("Cam", 1000, 750), 6.0, From::Estimated,
+         Mode::Unknown},
+        {"1/1.6, and the equivalent is the whole sensor's",
+         withFocalLength(asStored("Cam", 2500, 1875), 5, 28.85), 2.4, From::Estimated,
+         Mode::Resized},
+        {"1/1.6, and the equivalent is a crop's",
+         withFocalLength(asStored("Cam", 2500, 1875), 5, 46.15), 1.5, From::Estimated,
+         Mode::Cropped},
+        {"1/1.6, and nothing tells", asStored("Cam", 2500, 1875), 0, From::None, Mode::Unknown},
+        {"neither scaled nor a crop", withFocalPlane(asStored("Cam", 1600, 900), 500), 2.0,
+         From::FocalPlane, Mode::Unknown},
+        {"one of two cameras, by focal length",
+         withFocalLength(exifOf("Pair", 640, 512, 320, 256), 9), 24, From::Database, Mode::Resized},
+        {"one of two cameras, and nothing tells", withFocalLength(asStored("Pair", 640, 512), 12),
+         0, From::None, Mode::Unknown},
+        {"the maker alone", makerOnly, 17, From::Estimated, Mode::Native},
+        {"the maker alone, of another size", otherMakerSize, 0, From::None, Mode::Unknown},
+        {"unknown, no evidence", asStored("Else", 2000, 1500), 0, From::None, Mode::Unknown},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
         const ImageIdentification found = identifyImage(test.exif, db);
-        EXPECT_NEAR(found.camera.params.pixelSize * 1000, test.pixelSizeUm, 1e-9);
+        EXPECT_NEAR(found.camera.params.pixelSize * 1000, test.pixelSizeUm, 1e-3);
         EXPECT_EQ(toString(found.pixelSizeFrom), toString(test.from));
-        EXPECT_EQ(found.width, test.width);
-        EXPECT_EQ(found.height, test.height);
+        EXPECT_EQ(toString(found.mode), toString(test.mode)) << found.modeReason.toStdString();
+        const bool holdsPicture = test.exif.fileWidth > 0;
+        EXPECT_EQ(found.width, holdsPicture ? test.exif.fileWidth : test.exif.imageWidth);
+        EXPECT_EQ(found.height, holdsPicture ? test.exif.fileHeight : test.exif.imageHeight);
         EXPECT_EQ(found.source.has_value(), test.pixelSizeUm > 0);
         EXPECT_EQ(found.reason.isEmpty(), test.pixelSizeUm > 0);
     }
+}
+
+QStringList disagreements(ExifInfo exif, const std::vector<CameraModelFromDB>& models)
+{
+    return identifyImage(exif, databaseWith(models)).disagreements;
+}
+
+TEST(IdentifyImage, WhatSpeaksAgainstThePixelSizeIsSaid)
+{
+    const std::vector<CameraModelFromDB> models{
+        modelOf("Cam_5.0_4000x3000", 1.5), modelOf("Maker_9.0_640x512", 17.0)};
+    const ExifInfo exif = asStored("Cam", 4000, 3000);
+    EXPECT_EQ(disagreements(exif, models), QStringList());
+    EXPECT_EQ(disagreements(withFocalPlane(exif, 1000 / 1.56), models), QStringList());
+    EXPECT_EQ(
+        disagreements(withFocalPlane(exif, 1000 / 1.6), models),
+        QStringList("the pixel size is 1.5 um by database, but 1.6 um by focalPlane"));
+    ExifInfo zoomed = exif;
+    zoomed.digitalZoom = 2;
+    EXPECT_EQ(disagreements(zoomed, models).size(), 1);
+    const QStringList ofMaker = disagreements(asStored("", 640, 512), models);
+    ASSERT_EQ(ofMaker.size(), 1);
+    EXPECT_TRUE(ofMaker[0].contains("Maker_9.0_640x512")) << ofMaker[0].toStdString();
+}
+
+TEST(IdentifyImage, ACropIsTakenForCentred)
+{
+    const CameraModelDb db = databaseWith({testModel("Cam_5.0_4000x3000")});
+    const ImageIdentification found = identifyImage(exifOf("Cam", 4000, 3000, 3000, 2900), db);
+    EXPECT_EQ(found.camera.params.imageWidth, 3000u);
+    EXPECT_NEAR(found.camera.params.principalPointPixel()[0], 1500, 1e-9);
+    EXPECT_NEAR(found.camera.params.principalPointPixel()[1], 1450, 1e-9);
 }
 
 TEST(IdentifyImage, TheModelIsTurnedAndScaledWithTheImage)
@@ -89,7 +174,10 @@ TEST(IdentifyImage, TheModelIsTurnedAndScaledWithTheImage)
     model.params.setPrincipalPointPixel({2010, 1490});
     model.params.lensType = LensType::Fisheye;
     model.params.fisheye.setAffine(true, 1600, 0, 0, 1600);
-    const CameraModelDb db = databaseWith(model);
+    model.params.lineReadoutTime = 0.01;
+    model.params.vignetting[280] =
+        VignettingData(Eigen::Vector2d(1, -1e-4), 2000, 1500, VignettingType::Polynomial);
+    const CameraModelDb db = databaseWith({model});
     const ImageIdentification found = identifyImage(exifOf("Cam", 3000, 4000, 1500, 2000), db);
     const CameraParams& params = found.camera.params;
     EXPECT_EQ(found.modelName, "Cam_5.0_4000x3000");
@@ -98,6 +186,42 @@ TEST(IdentifyImage, TheModelIsTurnedAndScaledWithTheImage)
     EXPECT_NEAR(params.principalPointPixel()[0], (3000 - 1490) / 2.0, 1e-9);
     EXPECT_NEAR(params.principalPointPixel()[1], 2010 / 2.0, 1e-9);
     EXPECT_NEAR(params.fisheye.c, 800, 1e-9);
+    EXPECT_NEAR(params.lineReadoutTime, 0.02, 1e-12);
+    EXPECT_NEAR(params.vignetting.at(280).coefficients(1, 0), -2e-4, 1e-12);
+}
+
+TEST(IdentifyImage, CandidatesSayWhatTookOrRefusedThem)
+{
+    CameraModelFromDB ofBody = testModel("Cam_5.0_4000x3000", "B7");
+    const CameraModelDb db = databaseWith(
+        {modelOf("Cam_5.0_4000x3000", 1.5), ofBody, modelOf("Cam_5.0_2000x1500", 3.0),
+         modelOf("CAM_8.0_4000x3000", 1.5), modelOf("Camera_5.0_4000x3000", 1.5)});
+    const auto rules = [&db](const QString& serialNumber) {
+        ExifInfo exif = asStored("Cam", 4000, 3000);
+        exif.serialNumber = serialNumber;
+        QStringList result;
+        for (const CandidateModel& candidate : ImageIdentifier(db).candidates(exif)) {
+            result.append(QStringLiteral("%1 %2 %3: %4")
+                              .arg(candidate.name, candidate.serialNumber)
+                              .arg(candidate.taken)
+                              .arg(candidate.rule));
+        }
+        result.sort();
+        return result;
+    };
+    const QString others[] = {
+        "CAM_8.0_4000x3000  0: its focal length is 8.0 mm",
+        "Cam_5.0_2000x1500  0: its pictures are 2000x1500"};
+    EXPECT_EQ(
+        rules("A1"),
+        (QStringList{
+            others[0], others[1], "Cam_5.0_4000x3000  1: the image's identifier is its name",
+            "Cam_5.0_4000x3000 B7 0: it is for body B7 alone"}));
+    EXPECT_EQ(
+        rules("B7"),
+        (QStringList{
+            others[0], others[1], "Cam_5.0_4000x3000  0: the model of this body goes before",
+            "Cam_5.0_4000x3000 B7 1: the image's identifier is its name"}));
 }
 
 } // namespace

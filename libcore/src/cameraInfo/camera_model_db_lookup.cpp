@@ -28,12 +28,11 @@ QString mappedName(const std::map<QString, QString>& mappings, const QString& ex
 
 } // namespace
 
-bool CameraModelDb::findCameraModel(
-    const QString& name, const QString& serialNumber, bool exactSerial, CameraModelFromDB& model,
-    bool internalOnly) const
+StoredCameraModel CameraModelDb::storedCameraModel(
+    const QString& name, const QString& serialNumber, bool exactSerial, bool internalOnly) const
 {
     if (name.isEmpty()) {
-        return false;
+        return {};
     }
     const CameraModelFromDB* internal =
         cameratable::find(m_internal.cameras, name, serialNumber, exactSerial);
@@ -41,19 +40,34 @@ bool CameraModelDb::findCameraModel(
         internalOnly ? nullptr : cameratable::find(m_user.cameras, name, serialNumber, exactSerial);
     if (user == nullptr ||
         (internal != nullptr && internalPreferred(*internal, *user, serialNumber))) {
-        if (internal == nullptr) {
-            return false;
-        }
-        model = *internal;
-        return true;
+        return internal != nullptr ? StoredCameraModel{internal, internal->params.source}
+                                   : StoredCameraModel();
     }
-    model = *user;
     if (cameratable::find(m_internal.cameras, name, serialNumber, false) != nullptr) {
-        model.params.source = CameraSource::EditedDatabase;
-    } else if (model.params.source != CameraSource::Exif) {
-        model.params.source = CameraSource::UserDatabase;
+        return {user, CameraSource::EditedDatabase};
     }
-    return true;
+    const bool fromExif = user->params.source == CameraSource::Exif;
+    return {user, fromExif ? CameraSource::Exif : CameraSource::UserDatabase};
+}
+
+StoredCameraModel CameraModelDb::storedCameraModel(
+    const ExifID& exifId, const QString& serialNumber, bool internalOnly) const
+{
+    return storedCameraModel(
+        exifId2cameraName(exifId, internalOnly), serialNumber, false, internalOnly);
+}
+
+bool CameraModelDb::findCameraModel(
+    const QString& name, const QString& serialNumber, bool exactSerial, CameraModelFromDB& model,
+    bool internalOnly) const
+{
+    const StoredCameraModel found =
+        storedCameraModel(name, serialNumber, exactSerial, internalOnly);
+    if (found) {
+        model = *found.model;
+        model.params.source = found.source;
+    }
+    return static_cast<bool>(found);
 }
 
 bool CameraModelDb::findCameraModel(

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/image_identification.h"
 
-#include "cameraInfo/pixel_size_estimate.h"
+#include "cameraInfo/known_modes.h"
+#include "cameraInfo/recorded_mode.h"
+#include "cameraInfo/size_change.h"
+#include "cameraInfo/usable_picture.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
-#include "lumo/core/specificSensor/sequoia.h"
 #include "lumo/exif/camera_from_exif.h"
-#include "lumo/exif/sequoia.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,83 +31,194 @@ PixelSizeOrigin originOf(exif::PixelSizeSource source)
     return PixelSizeOrigin::None;
 }
 
-bool takeFromDatabase(
+/// The identifier of the model that was found; nothing if none was.
+std::optional<QString> takeFromDatabase(
     const ExifInfo& exif, const CameraModelDb& database, ImageIdentification& result)
 {
-    CameraModelFromDB model;
-    if (!database.findCameraModel(exif.exifId(), exif.serialNumber, model, false)) {
-        return false;
+    const StoredCameraModel found =
+        database.storedCameraModel(exif.exifId(), exif.serialNumber, false);
+    if (!found) {
+        return std::nullopt;
     }
-    const bool portrait = exif.imageWidth < exif.imageHeight;
+    const CameraModelFromDB& model = *found.model;
     result.modelName = model.params.name;
     result.camera.setBands(exif.bands, false);
-    copyCameraModelToParams(model, model.params.source, result.camera, npos);
+    copyCameraModelToParams(model, found.source, result.camera, npos);
     result.source = database.calcCameraSource(result.camera, exif);
-    if (portrait != model.portraitImage()) {
-        result.camera.params = result.camera.params.turned();
-    }
     // The generic model serves every body; the image still knows its own.
     if (result.camera.serialNumber.isEmpty()) {
         result.camera.serialNumber = exif.serialNumber;
     }
-    result.pixelSizeFrom = PixelSizeOrigin::Database;
-    return true;
+    return model.exifId.isEmpty() ? model.params.name : model.exifId;
 }
 
-/// A stored size of the same camera that needs no scaling is better evidence
-/// than metadata; one that does is the last resort.
-void takeFromMetadata(
-    const ExifInfo& exif, const CameraModelDb& database, ImageIdentification& result)
+PictureSize sizeOf(const CameraParams& params)
 {
-    exif::PixelSizeSource from = exif::PixelSizeSource::None;
-    const bool complete = exif::getCamera(exif, result.camera, &from, result.reason);
-    result.pixelSizeFrom = originOf(from);
-    const auto estimate =
-        estimatePixelSize(database.internalData(), database.userData(), exif.exifId().second);
-    if (estimate && (!complete || estimate->scale == 1.0)) {
-        result.camera = exif::makeCamera(exif, estimate->pixelSize);
-        result.pixelSizeFrom = PixelSizeOrigin::Estimated;
-        result.reason.clear();
-    } else if (!complete) {
-        result.camera = exif::makeCamera(exif, 0.0);
+    return {params.imageWidth, params.imageHeight};
+}
+
+PictureSize recordedSize(const ExifInfo& exif)
+{
+    return {exif.imageWidth, exif.imageHeight};
+}
+
+bool isEmpty(PictureSize size)
+{
+    return size.width == 0 || size.height == 0;
+}
+
+/// The pixel size of the recorded picture by a model that may be of another size.
+double atRecordedSize(const CameraParams& model, const ExifInfo& exif)
+{
+    const bool known = !isEmpty(sizeOf(model)) && !isEmpty(recordedSize(exif));
+    return model.pixelSize * (known ? compareSizes(sizeOf(model), recordedSize(exif)).scale : 1.0);
+}
+
+void addClaims(
+    const std::vector<exif::PixelSizeEvidence>& evidence, std::vector<PixelSizeClaim>& claims)
+{
+    for (const exif::PixelSizeEvidence& each : evidence) {
+        claims.push_back({originOf(each.source), each.pixelSizeMm, {}, each.doubt});
     }
-    if (!result.camera.incomplete()) {
+}
+
+/// Takes the first claim that was not thrown out, and holds the others against it.
+/// \returns  nothing if all were thrown out
+const PixelSizeClaim* judge(std::vector<PixelSizeClaim>& claims)
+{
+    constexpr double kAgree = 0.05;
+    const PixelSizeClaim* taken = nullptr;
+    for (PixelSizeClaim& claim : claims) {
+        if (!claim.doubt.isEmpty()) {
+            continue;
+        }
+        if (taken == nullptr) {
+            claim.verdict = ClaimVerdict::Taken;
+            taken = &claim;
+        } else {
+            claim.verdict = std::abs(claim.pixelSizeMm / taken->pixelSizeMm - 1.0) <= kAgree
+                                ? ClaimVerdict::Agrees
+                                : ClaimVerdict::Disagrees;
+        }
+    }
+    return taken;
+}
+
+/// The table of sensor sizes knows one camera of a name; where there are several it
+/// may be another one.
+void doubtTable(std::vector<PixelSizeClaim>& claims)
+{
+    for (PixelSizeClaim& claim : claims) {
+        if (claim.from == PixelSizeOrigin::SensorTable && claim.doubt.isEmpty()) {
+            claim.doubt = QStringLiteral("several cameras have this name, the table knows one");
+        }
+    }
+}
+
+/// Makes the camera of the metadata and the pixel size that was taken.
+void takeFromMetadata(
+    const ExifInfo& exif, const CameraModelDb& database, double pixelSize,
+    ImageIdentification& result)
+{
+    result.camera = exif::makeCamera(exif, pixelSize);
+    if (result.camera.incomplete()) {
+        CameraData unused;
+        if (exif::getCamera(exif, unused, nullptr, result.reason)) {
+            result.reason = QStringLiteral("the metadata yield no camera");
+        }
+    } else {
         result.source = database.calcCameraSource(result.camera, exif);
     }
 }
 
-/// Brings the camera from the recorded size to the size in the file.
-void scaleToFile(const ExifInfo& exif, CameraParams& params)
+QStringList findDisagreements(
+    const ExifInfo& exif, const std::vector<PixelSizeClaim>& claims, const PixelSizeClaim& taken)
 {
-    constexpr double kSameProportions = 0.02;
-    const auto recordedWidth = static_cast<double>(exif.imageWidth);
-    const auto recordedHeight = static_cast<double>(exif.imageHeight);
-    const double xScale = recordedWidth / static_cast<double>(exif.fileWidth);
-    const double yScale = recordedHeight / static_cast<double>(exif.fileHeight);
-    if (std::abs(xScale / yScale - 1.0) > kSameProportions) {
-        return;
+    constexpr double kZoomed = 1.01;
+    QStringList result;
+    for (const PixelSizeClaim& claim : claims) {
+        if (claim.verdict == ClaimVerdict::Disagrees) {
+            result.append(QStringLiteral("the pixel size is %1 um by %2, but %3 um by %4")
+                              .arg(taken.pixelSizeMm * 1000.0, 0, 'g', 4)
+                              .arg(toString(taken.from))
+                              .arg(claim.pixelSizeMm * 1000.0, 0, 'g', 4)
+                              .arg(toString(claim.from)));
+        }
     }
-    params.setImageSize(exif.fileWidth, exif.fileHeight);
-    params.pixelSize *= xScale;
-    for (double* term :
-         {&params.fisheye.c, &params.fisheye.d, &params.fisheye.e, &params.fisheye.f}) {
-        *term /= xScale;
+    if (exif.digitalZoom > kZoomed) {
+        result.append(
+            QStringLiteral("the camera zoomed digitally by %1: pixels may be smaller by as much")
+                .arg(exif.digitalZoom));
+    }
+    return result;
+}
+
+/// Vignetting is a polynomial in pixels.
+void scaleVignetting(double scale, CameraParams& params)
+{
+    for (auto& [fNumber, model] : params.vignetting) {
+        model.centreX /= scale;
+        model.centreY /= scale;
+        for (Eigen::Index i = 0; i < model.coefficients.rows(); ++i) {
+            for (Eigen::Index j = 0; j < model.coefficients.cols(); ++j) {
+                model.coefficients(i, j) *= std::pow(scale, static_cast<double>(i + j));
+            }
+        }
     }
 }
 
-/// The metadata that the picture would have without the debug lines of a Sequoia.
-ExifInfo withoutDebugLines(const ExifInfo& exif)
+/// Brings a camera to the size in the file. What is Unknown is left as it is.
+void fitToFile(const SizeChange& change, PictureSize file, CameraParams& params)
 {
-    InputImage image(QString(), exif);
-    if (!exif::sequoia::isSequoia(exif) || image.spectralKind() != SpectralKind::Multispectral) {
-        return exif;
+    if (change.turned) {
+        params = params.turned();
     }
-    sequoia::fixImageDimensionsToRemoveDebugLines(image);
-    ExifInfo result = image.exif();
-    if (result.fileHeight == sequoia::kRawHeight) {
-        result.fileHeight = sequoia::kUsableHeight;
+    if (change.mode == ImageMode::Resized) {
+        params.pixelSize *= change.scale;
+        params.lineReadoutTime *= change.scale;
+        for (double* term :
+             {&params.fisheye.c, &params.fisheye.d, &params.fisheye.e, &params.fisheye.f}) {
+            *term /= change.scale;
+        }
+        scaleVignetting(change.scale, params);
+    } else if (change.mode == ImageMode::Cropped) {
+        const auto cut = [](std::size_t before, std::size_t after) {
+            return 0.5 * (static_cast<double>(before) - static_cast<double>(after));
+        };
+        const double cutX = cut(params.imageWidth, file.width);
+        const double cutY = cut(params.imageHeight, file.height);
+        params.principalPointXMm -= params.pixel2mm(cutX);
+        params.principalPointYMm -= params.pixel2mm(cutY);
+        for (auto& [fNumber, model] : params.vignetting) {
+            model.centreX -= cutX;
+            model.centreY -= cutY;
+        }
     }
-    return result;
+    if (change.mode != ImageMode::Unknown) {
+        params.setImageSize(file.width, file.height);
+    }
+}
+
+/// What the file did to the recorded picture goes before what the camera did.
+void setMode(
+    const SizeChange& change, const RecordedMode& recorded, bool sizeStated,
+    ImageIdentification& result)
+{
+    if (change.mode != ImageMode::Native) {
+        result.mode = change.mode;
+        result.modeReason = change.mode == ImageMode::Unknown
+                                ? QStringLiteral("the file's size tells not how it was made")
+                                : QStringLiteral("the file's size against the recorded one");
+    } else if (!recorded.reason.isEmpty()) {
+        result.mode = recorded.mode;
+        result.modeReason = recorded.reason;
+    } else {
+        result.mode = sizeStated ? ImageMode::Native : ImageMode::Unknown;
+        result.modeReason =
+            sizeStated ? QStringLiteral("the size that the metadata state; the database knows no "
+                                        "size of this camera")
+                       : QStringLiteral("neither the metadata nor the database tell a size");
+    }
 }
 
 } // namespace
@@ -132,20 +244,78 @@ QString toString(PixelSizeOrigin origin)
     return QStringLiteral("none");
 }
 
-ImageIdentification identifyImage(const ExifInfo& recorded, const CameraModelDb& database)
+QString toString(ClaimVerdict verdict)
+{
+    switch (verdict) {
+    case ClaimVerdict::Taken:
+        return QStringLiteral("taken");
+    case ClaimVerdict::Agrees:
+        return QStringLiteral("agrees");
+    case ClaimVerdict::Disagrees:
+        return QStringLiteral("disagrees");
+    case ClaimVerdict::Refused:
+        break;
+    }
+    return QStringLiteral("refused");
+}
+
+ImageIdentifier::ImageIdentifier(const CameraModelDb& database)
+    : m_database(database)
+    , m_modes(std::make_unique<const KnownModes>(database))
+{}
+
+ImageIdentifier::~ImageIdentifier() = default;
+
+ImageIdentification ImageIdentifier::identify(const ExifInfo& recorded) const
 {
     const ExifInfo exif = withoutDebugLines(recorded);
+    const PictureSize inFile{exif.fileWidth, exif.fileHeight};
+    const PictureSize file = isEmpty(inFile) ? recordedSize(exif) : inFile;
     ImageIdentification result;
-    const bool holdsPicture = exif.fileWidth > 0 && exif.fileHeight > 0;
-    result.width = holdsPicture ? exif.fileWidth : exif.imageWidth;
-    result.height = holdsPicture ? exif.fileHeight : exif.imageHeight;
-    if (!takeFromDatabase(exif, database, result)) {
-        takeFromMetadata(exif, database, result);
+    result.width = file.width;
+    result.height = file.height;
+
+    const auto evidence = exif::findPixelSizeEvidence(exif);
+    const std::optional<QString> identifier = takeFromDatabase(exif, m_database, result);
+    const RecordedMode mode = identifier ? modeOfModel(*m_modes, *identifier)
+                                         : findRecordedMode(*m_modes, exif, evidence);
+    if (identifier) {
+        result.evidence.push_back(
+            {PixelSizeOrigin::Database,
+             atRecordedSize(result.camera.params, exif),
+             result.modelName,
+             {}});
+    } else if (mode.pixelSize > 0.0) {
+        result.evidence.push_back({PixelSizeOrigin::Estimated, mode.pixelSize, mode.model, {}});
     }
-    if (holdsPicture && exif.imageWidth > 0 && exif.imageHeight > 0) {
-        scaleToFile(exif, result.camera.params);
+    addClaims(evidence, result.evidence);
+    if (severalSensors(*m_modes, exif)) {
+        doubtTable(result.evidence);
+    }
+    const PixelSizeClaim* taken = judge(result.evidence);
+    if (!identifier) {
+        takeFromMetadata(exif, m_database, taken != nullptr ? taken->pixelSizeMm : 0.0, result);
+    }
+    if (taken != nullptr) {
+        result.pixelSizeFrom = taken->from;
+        result.disagreements = findDisagreements(exif, result.evidence, *taken);
+        if (!mode.caution.isEmpty()) {
+            result.disagreements.append(mode.caution);
+        }
+    }
+
+    CameraParams& params = result.camera.params;
+    if (!isEmpty(file) && !isEmpty(sizeOf(params))) {
+        const SizeChange change = compareSizes(sizeOf(params), file);
+        setMode(change, mode, exif.sizeStated || isEmpty(inFile), result);
+        fitToFile(change, file, params);
     }
     return result;
+}
+
+ImageIdentification identifyImage(const ExifInfo& recorded, const CameraModelDb& database)
+{
+    return ImageIdentifier(database).identify(recorded);
 }
 
 } // namespace lumo

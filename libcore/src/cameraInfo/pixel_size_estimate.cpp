@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "cameraInfo/pixel_size_estimate.h"
-
 #include "lumo/cameradata/exif_info.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/foundation/text.h"
@@ -8,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 
 namespace lumo {
 namespace {
@@ -88,46 +87,35 @@ const CameraModelFromDB* findCandidate(
     return nearest != nullptr && sharesASide(*nearest, wanted) ? nearest : largest;
 }
 
-PixelSizeEstimate scaleFrom(const CameraParams& stored, const WantedCamera& wanted)
+double scaledPixelSize(const CameraParams& stored, const WantedCamera& wanted)
 {
     const bool sameOrientation =
         (stored.imageWidth >= stored.imageHeight) == (wanted.width >= wanted.height);
     const auto width = static_cast<double>(sameOrientation ? wanted.width : wanted.height);
     const auto height = static_cast<double>(sameOrientation ? wanted.height : wanted.width);
-    const double scale = std::max(
-        width / static_cast<double>(stored.imageWidth),
-        height / static_cast<double>(stored.imageHeight));
-    return {stored.pixelSize * scale, scale};
+    return stored.pixelSize * std::max(
+                                  width / static_cast<double>(stored.imageWidth),
+                                  height / static_cast<double>(stored.imageHeight));
 }
 
 } // namespace
 
-std::optional<PixelSizeEstimate> estimatePixelSize(
-    const cameradb::CameraDBData& internal, const cameradb::CameraDBData& user,
-    const QString& exifId)
+bool CameraModelDb::estimatePixelSize(const ExifID& exifId, double& pixelSize) const
 {
-    const std::optional<WantedCamera> wanted = parseIdentifier(exifId);
+    const std::optional<WantedCamera> wanted = parseIdentifier(exifId.first);
     if (!wanted) {
-        return std::nullopt;
+        return false;
     }
-    const CameraModelFromDB* shipped = findCandidate(internal.cameras, *wanted);
-    const CameraModelFromDB* own = findCandidate(user.cameras, *wanted);
+    const CameraModelFromDB* shipped = findCandidate(m_internal.cameras, *wanted);
+    const CameraModelFromDB* own = findCandidate(m_user.cameras, *wanted);
     if (shipped == nullptr && own == nullptr) {
-        return std::nullopt;
+        return false;
     }
     const bool takeShipped =
         own == nullptr ||
         (shipped != nullptr && sizeDifference(*shipped, *wanted) < sizeDifference(*own, *wanted));
-    return scaleFrom(takeShipped ? shipped->params : own->params, *wanted);
-}
-
-bool CameraModelDb::estimatePixelSize(const ExifID& exifId, double& pixelSize) const
-{
-    const auto estimate = lumo::estimatePixelSize(m_internal, m_user, exifId.first);
-    if (estimate) {
-        pixelSize = estimate->pixelSize;
-    }
-    return estimate.has_value();
+    pixelSize = scaledPixelSize(takeShipped ? shipped->params : own->params, *wanted);
+    return true;
 }
 
 } // namespace lumo

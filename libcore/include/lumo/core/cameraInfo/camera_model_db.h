@@ -17,6 +17,16 @@ namespace lumo {
 
 struct rig_filter_t;
 
+/// A camera model where the database holds it.
+struct StoredCameraModel
+{
+    const CameraModelFromDB* model = nullptr; ///< null if none was found
+    /// Where it came from. The model's own params.source is as it is stored.
+    CameraSource source = CameraSource::Custom;
+
+    explicit operator bool() const { return model != nullptr; }
+};
+
 /// The camera model database in memory: the internal (shipped) tables and the
 /// user's own. Where both hold an entry under one key the user's wins, but for
 /// the rule on serial numbers of findCameraModel.
@@ -79,6 +89,13 @@ public:
     [[nodiscard]] bool findCameraModel(
         const ExifID& exifId, const QString& serialNumber, CameraModelFromDB& model,
         bool internalOnly) const;
+
+    /// What findCameraModel copies, without the copy. Valid until the tables change.
+    [[nodiscard]] StoredCameraModel storedCameraModel(
+        const QString& name, const QString& serialNumber, bool exactSerial,
+        bool internalOnly) const;
+    [[nodiscard]] StoredCameraModel storedCameraModel(
+        const ExifID& exifId, const QString& serialNumber, bool internalOnly) const;
 
     /// Whether exactly this name and serial number are held.
     [[nodiscard]] bool containsCameraModel(
