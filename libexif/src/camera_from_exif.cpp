@@ -5,6 +5,9 @@
 #include "lumo/cameradata/camera_name.h"
 #include "lumo/foundation/log.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace lumo {
 namespace exif {
 namespace {
@@ -31,6 +34,29 @@ PixelSizeEvidence bestEvidence(const ExifInfo& exif)
     return {};
 }
 
+/// The polynomial over the recorded picture, in pixels from its upper left corner.
+void setVignetting(const ExifInfo& exif, CameraParams& params)
+{
+    if (exif.vignetting.empty()) {
+        return;
+    }
+    const auto width = static_cast<double>(exif.imageWidth);
+    const auto height = static_cast<double>(exif.imageHeight);
+    int xPower = 0;
+    int yPower = 0;
+    for (const VignettingTerm& term : exif.vignetting) {
+        xPower = std::max(xPower, term.xPower);
+        yPower = std::max(yPower, term.yPower);
+    }
+    Eigen::MatrixXd coefficients = Eigen::MatrixXd::Zero(yPower + 1, xPower + 1);
+    for (const VignettingTerm& term : exif.vignetting) {
+        coefficients(term.yPower, term.xPower) +=
+            term.coefficient / (std::pow(width, term.xPower) * std::pow(height, term.yPower));
+    }
+    const int key = static_cast<int>(std::lround(exif.fNumber * 100.0));
+    params.vignetting[key] = VignettingData(coefficients, 0.0, 0.0, VignettingType::Polynomial);
+}
+
 } // namespace
 
 CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm)
@@ -43,6 +69,8 @@ CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm)
         {0.5 * static_cast<double>(exif.imageWidth), 0.5 * static_cast<double>(exif.imageHeight)});
     camera.params.perspective.focalLengthMm = exif.focalLengthMm;
     camera.params.source = CameraSource::Exif;
+    camera.params.lineReadoutTime = exif.lineReadoutTimeMs;
+    setVignetting(exif, camera.params);
     if (exif.calibration && pixelSizeMm > 0.0) {
         const QString refusal =
             applyCalibration(*exif.calibration, exif.focalLengthMm, camera.params);

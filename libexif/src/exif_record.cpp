@@ -4,6 +4,7 @@
 #include "irradiance.h"
 #include "lens_calibration_reader.h"
 #include "lumo/foundation/text.h"
+#include "sensor_calibration_reader.h"
 
 #include <QRegularExpression>
 
@@ -227,6 +228,8 @@ ExifInfo makeRecord(const RawMetadata& raw, const TagReader& tags, const XmpProp
     setSizes(raw, tags, exif);
     exif.focalPlane = focalPlane(tags);
     exif.calibration = findLensCalibration(xmp, tags, exif);
+    exif.vignetting = findVignetting(xmp, tags);
+    exif.lineReadoutTimeMs = findLineReadoutTime(xmp, tags);
     exif.dateTime = dateTime(tags);
     exif.captureId = captureId(xmp);
     exif.rigName = xmp.text("Camera:RigName");

@@ -188,6 +188,37 @@ TEST_F(Calibration, APartOrNonsenseIsNotUsedAndTheLogNamesItAndTheFile)
     }
 }
 
+// 0.8 + 0.3 x - 0.2 x^2 y, at a quarter of the width and half of the height.
+TEST_F(Calibration, VignettingAndReadoutAreThoseOfTheMakersFormula)
+{
+    const QByteArray powers = property("Camera:VignettingPolynomial2DName", "0,0,1,0,2,1");
+    const QByteArray polynomial = property("Camera:VignettingPolynomial2D", "0.8, 0.3, -0.2");
+    const ExifInfo exif =
+        readImage(powers + polynomial + property("Camera:LineReadoutTime", "47500"));
+    const CameraParams params = makeCamera(exif, kPixelSizeMm).params;
+    EXPECT_NEAR(params.lineReadoutTime, 0.0475, 1e-12);
+    ASSERT_EQ(params.vignetting.size(), 1u);
+    const Eigen::MatrixXd& c = params.vignetting.begin()->second.coefficients;
+    double brightness = 0.0;
+    for (Eigen::Index y = 0; y < c.rows(); ++y) {
+        for (Eigen::Index x = 0; x < c.cols(); ++x) {
+            brightness += c(y, x) * std::pow(0.25 * kWidth, x) * std::pow(0.5 * kHeight, y);
+        }
+    }
+    EXPECT_NEAR(brightness, 0.8 + 0.3 * 0.25 - 0.2 * 0.0625 * 0.5, 1e-12);
+
+    for (const QByteArray& bad :
+         {polynomial, powers + property("Camera:VignettingPolynomial2D", "0.8, 0.3"),
+          property("Camera:VignettingPolynomial2DName", "0,0,1,0,2.5,1") + polynomial,
+          powers + property("Camera:VignettingPolynomial2D", "0.8, nan, -0.2"),
+          property("Camera:LineReadoutTime", "-5")}) {
+        SCOPED_TRACE(bad.toStdString());
+        const ExifInfo refused = readImage(bad);
+        EXPECT_TRUE(refused.vignetting.empty());
+        EXPECT_EQ(refused.lineReadoutTimeMs, 0.0);
+    }
+}
+
 TEST_F(Calibration, OfAnotherCameraOrSizeIsRefusedAsAWhole)
 {
     const QByteArray list = "d;%1,%1,%2,0,-0.1,0,0,0,0";

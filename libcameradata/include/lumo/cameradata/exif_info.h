@@ -42,6 +42,17 @@ struct FocalPlaneResolution
     bool operator==(const FocalPlaneResolution&) const = default;
 };
 
+/// A term of a brightness polynomial in x and y, which run from 0 to 1 along the image
+/// width and height; the polynomial is 1 where no light is lost.
+struct VignettingTerm
+{
+    int xPower = 0;
+    int yPower = 0;
+    double coefficient = 0.0;
+
+    bool operator==(const VignettingTerm&) const = default;
+};
+
 /// The metadata of one image, as far as cameras are concerned. A plain record;
 /// numbers that the file does not hold, or holds as nonsense, are 0.
 struct LUMO_CAMERADATA_EXPORT ExifInfo
@@ -64,6 +75,8 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
     std::size_t fileHeight = 0;
     std::optional<FocalPlaneResolution> focalPlane;
     std::optional<LensCalibration> calibration; ///< if the image carries a whole one
+    std::vector<VignettingTerm> vignetting;
+    double lineReadoutTimeMs = 0.0; ///< between the starts of two lines
     bands_t bands;
     bool bandsNamed = false; ///< by the file itself; else they follow from the number of channels
     QDateTime dateTime;      ///< of exposure, in the camera's local time, to the millisecond

@@ -67,7 +67,9 @@ struct PixelSizeEvidence
 /// more than a factor of 1.2, or its principal point by more than an eighth of the
 /// longer side off the middle (it is then of another camera or image size): it is
 /// refused as a whole, with a log warning. Portrait images get it turned as
-/// CameraParams::turned() does. See readExif for what is read.
+/// CameraParams::turned() does. See readExif for what is read. A line read-out time
+/// leaves the shutter model as it is: cameras with a global shutter state one, too. A
+/// vignetting polynomial stands under the image's f-number, rows for powers of y.
 [[nodiscard]] LUMO_EXIF_EXPORT CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm);
 
 /// The camera that metadata alone yield, at the size that the camera recorded: as

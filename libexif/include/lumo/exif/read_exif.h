@@ -39,6 +39,9 @@ namespace lumo::exif {
 ///      the design's, without distortion.
 ///   drone-dji:DewarpFlag 1 says that the camera has removed the distortion: the
 ///   terms are 0 then, and focal length and principal point are kept.
+/// - Camera:LineReadoutTime (ns), and Camera:VignettingPolynomial2D in x and y from 0
+///   to 1 with its ...Name, pairs of powers. Radial polynomials are not read: makers
+///   write the loss under the same property, or the gain that makes up for it.
 /// - Bands: named by XMP; else Red, Green, Blue of a colour image, "Gray" of a
 ///   single channel, "Band 1" and so on of other numbers of channels. Widths are
 ///   full widths: where DJI states a half width ("450(+/-16)nm") it is doubled.
