@@ -4,6 +4,8 @@
 #include "lumo/foundation/log.h"
 #include "sensor_size_rows.h"
 
+#include <QSet>
+
 namespace lumo::exif {
 namespace {
 
@@ -21,6 +23,18 @@ const SensorSizes& table()
 {
     static const SensorSizes sizes = load();
     return sizes;
+}
+
+const QSet<QString>& makers()
+{
+    static const QSet<QString> names = [] {
+        QSet<QString> result;
+        for (auto entry = table().keyBegin(); entry != table().keyEnd(); ++entry) {
+            result.insert(entry->section(QLatin1Char('/'), 0, 0));
+        }
+        return result;
+    }();
+    return names;
 }
 
 } // namespace
@@ -44,15 +58,15 @@ std::optional<SensorSize> findSensorSize(const QString& model)
 {
     const SensorSizes& sizes = table();
     std::optional<SensorSize> size;
-    for (auto entry = sizes.constBegin(); entry != sizes.constEnd(); ++entry) {
-        const QString make = entry.key().section(QLatin1Char('/'), 0, 0);
-        if (entry.key() != sensorSizeKey(make, model)) {
+    for (const QString& make : makers()) {
+        const auto found = sizes.constFind(sensorSizeKey(make, model));
+        if (found == sizes.constEnd()) {
             continue;
         }
-        if (size && *size != *entry) {
+        if (size && *size != *found) {
             return std::nullopt;
         }
-        size = *entry;
+        size = *found;
     }
     return size;
 }
