@@ -3,6 +3,7 @@
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/lumo_camera_db_io.h"
 #include "lumo/core/cameraInfo/lumo_text_file_io.h"
+#include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/core/xml/register_xml_converters.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
@@ -95,6 +96,22 @@ TEST_F(CameraDbFiles, AnInternalFileThatWasEditedIsMadeAnew)
     }
     ASSERT_TRUE(loadCameraDatabases(store, error));
     EXPECT_EQ(contentOf(path("19/icmdb.xml")), generated);
+}
+
+TEST_F(CameraDbFiles, AnInternalFileThatAnOlderVersionLeftIsMadeAnew)
+{
+    CameraModelDb old = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(old, error));
+    const std::size_t cameras = old.internalData().cameras.size();
+    put(path("few.csv"), contentOf(cameradb::shippedTextDBPath()).replace("FC6310_", "Other_"));
+    ASSERT_TRUE(CameraDbIo(old).loadAndSaveInternalTextDB(path("few.csv")));
+    old.settings().appSettings->setValue("cameraDB/19/shippedDatabase", "of another version");
+
+    CameraModelDb store = makeStore();
+    ASSERT_TRUE(loadCameraDatabases(store, error)) << qPrintable(error);
+    EXPECT_TRUE(store.containsCameraModel("FC6310_8.8_5472x3648", QString(), true, false));
+    EXPECT_EQ(store.internalData().cameras.size(), cameras);
 }
 
 TEST_F(CameraDbFiles, AnOlderUserDatabaseIsCarriedForwardOnce)

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/lumo_camera_db_io.h"
+#include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 
+#include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
+#include <QSettings>
 
 namespace lumo {
 namespace {
@@ -21,6 +25,38 @@ void carryUserFileForward(CameraModelDb& database, CameraDbIo& io)
     }
 }
 
+/// What tells one shipped database from another.
+QString shippedFingerprint()
+{
+    QFile shipped(cameradb::shippedTextDBPath());
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    return shipped.open(QIODevice::ReadOnly) && hash.addData(&shipped)
+               ? QString::fromLatin1(hash.result().toHex())
+               : QString();
+}
+
+/// Loads the internal file if it was made of the database that this library ships,
+/// else makes it anew: one that an older version left knows fewer cameras.
+bool loadInternal(CameraDbIo& io, const CameraDbSettings& settings)
+{
+    if (!settings.appSettings) {
+        return io.loadXML(settings.internalDBFileName(cameradb::kCurrentVersion), QString());
+    }
+    const QString key =
+        cameradb::settingsPath(QStringLiteral("shippedDatabase"), cameradb::kCurrentVersion);
+    const QString shipped = shippedFingerprint();
+    if (settings.appSettings->value(key).toString() == shipped &&
+        io.loadXML(settings.internalDBFileName(cameradb::kCurrentVersion), QString())) {
+        return true;
+    }
+    if (!io.loadAndSaveInternalTextDB(QString())) {
+        return false;
+    }
+    settings.appSettings->setValue(key, shipped);
+    settings.appSettings->sync();
+    return true;
+}
+
 } // namespace
 
 bool loadCameraDatabases(CameraModelDb& database, QString& error)
@@ -29,7 +65,7 @@ bool loadCameraDatabases(CameraModelDb& database, QString& error)
     const CameraDbSettings& settings = database.settings();
     carryUserFileForward(database, io);
     const QString internalFile = settings.internalDBFileName(cameradb::kCurrentVersion);
-    if (!io.loadXML(internalFile, QString()) && !io.loadAndSaveInternalTextDB(QString())) {
+    if (!loadInternal(io, settings)) {
         if (database.emptyInternalDB()) {
             error = QStringLiteral("the internal camera database cannot be made");
             return false;

@@ -63,8 +63,9 @@ private:
 
 /// Fills a store at the start of a program: carries an older user file forward,
 /// loads the internal file (making it anew from the shipped text database if it
-/// is missing, old or was edited), then the user file. A user file that does not
-/// load makes the user database read-only, so that nothing overwrites it.
+/// is missing, was edited, or was made by a version that ships another one), then the
+/// user file. A user file that does not load makes the user database read-only, so
+/// that nothing overwrites it.
 /// \param[out] error  on failure what failed, else untouched
 /// \returns false if the internal tables are empty or the user file did not load
 [[nodiscard]] LUMO_CORE_EXPORT bool loadCameraDatabases(CameraModelDb& database, QString& error);
