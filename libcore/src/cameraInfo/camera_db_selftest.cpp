@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace lumo {
 namespace {
@@ -18,23 +19,122 @@ const QString& identifierOf(const CameraModelFromDB& model)
     return model.exifId.isEmpty() ? model.params.name : model.exifId;
 }
 
-/// By how much a pixel size differs from that of the sensor-size table, as a
-/// share; 0 if the table does not say.
-double tableDifference(const CameraModelFromDB& model)
+/// What table of sensor sizes and identifier call a camera, without lens and size.
+QString modelKey(const CameraModelFromDB& model)
 {
-    const QString key = tokenizeExifId(identifierOf(model)).value(0);
-    const auto sensor = exif::findSensorSize(key); // identifiers carry no maker
-    const auto longSide =
-        static_cast<double>(std::max(model.params.imageWidth, model.params.imageHeight));
-    if (!sensor || longSide == 0.0) {
-        return 0.0;
-    }
-    return model.params.pixelSize * longSide / sensor->widthMm - 1.0;
+    return tokenizeExifId(identifierOf(model)).value(0).toLower();
 }
 
-void checkCameras(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
+enum class InTable { No, Fits, Differs };
+
+/// Compares a camera's sensor with that of the table; `text` says how it differs.
+/// A crop shortens one side of the image and leaves the other: it fits.
+InTable compareWithTable(const CameraModelFromDB& model, QString& text)
 {
     constexpr double kDoubtful = 0.05;
+    const CameraParams& params = model.params;
+    const auto sensor = exif::findSensorSize(modelKey(model)); // identifiers carry no maker
+    if (!sensor) {
+        return InTable::No;
+    }
+    const auto difference = [&](std::size_t pixels, double tableMm) {
+        return params.pixel2mm(static_cast<double>(pixels)) / tableMm - 1.0;
+    };
+    const double longSide =
+        difference(std::max(params.imageWidth, params.imageHeight), sensor->widthMm);
+    const double shortSide =
+        sensor->heightMm > 0.0
+            ? difference(std::min(params.imageWidth, params.imageHeight), sensor->heightMm)
+            : longSide;
+    if (std::abs(std::max(longSide, shortSide)) <= kDoubtful) {
+        return InTable::Fits;
+    }
+    const bool inWidth = std::abs(longSide) > kDoubtful;
+    const double share = inWidth ? longSide : shortSide;
+    text = QStringLiteral("its sensor is %1 % %2 than the table of sensor sizes says")
+               .arg(std::abs(share) * 100.0, 0, 'f', 1)
+               .arg(
+                   !inWidth      ? QStringLiteral("higher")
+                   : share > 0.0 ? QStringLiteral("wider")
+                                 : QStringLiteral("narrower"));
+    return InTable::Differs;
+}
+
+/// Of a product with several cameras the table knows one: where the database has
+/// that one too, the doubt about another names it.
+void checkSensors(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
+{
+    std::map<QString, QString> cameraOfTable;
+    std::vector<std::pair<const CameraModelFromDB*, QString>> doubts;
+    for (const auto& [name, model] : database.internalData().cameras) {
+        QString text;
+        const InTable inTable = compareWithTable(model, text);
+        if (inTable == InTable::Fits) {
+            cameraOfTable.emplace(modelKey(model), name);
+        } else if (inTable == InTable::Differs) {
+            doubts.emplace_back(&model, text);
+        }
+    }
+    for (auto& [model, text] : doubts) {
+        if (const auto known = cameraOfTable.find(modelKey(*model)); known != cameraOfTable.end()) {
+            text += QStringLiteral(", which knows another camera of this product: '%1'")
+                        .arg(known->second);
+        }
+        findings.push_back({model->params.name, text, false});
+    }
+}
+
+/// Why the numbers of a camera cannot be right; empty if they can.
+QString numberFault(const CameraModelFromDB& model)
+{
+    constexpr double kSmallestSideMm = 0.5;
+    constexpr double kLargestSideMm = 120.0; // aerial frame cameras reach 105 mm
+    constexpr double kLongestReadoutMs = 1000.0;
+    const CameraParams& params = model.params;
+    QString error;
+    if (!params.valid(error, true)) {
+        return error;
+    }
+    const auto width = static_cast<double>(params.imageWidth);
+    const auto height = static_cast<double>(params.imageHeight);
+    for (const double pixels : {width, height}) {
+        const double side = params.pixel2mm(pixels);
+        if (!(side >= kSmallestSideMm && side <= kLargestSideMm)) {
+            return QStringLiteral("a side of its sensor is %1 mm long").arg(side);
+        }
+    }
+    const auto [x, y] = params.principalPointPixel();
+    if (!(x >= 0.0 && x <= width && y >= 0.0 && y <= height)) {
+        return QStringLiteral("its principal point lies outside the image");
+    }
+    const double readout = std::abs(params.lineReadoutTime) * height;
+    if (!(readout < kLongestReadoutMs)) {
+        return QStringLiteral("its shutter takes %1 ms from the first line to the last")
+            .arg(readout);
+    }
+    return {};
+}
+
+/// The bands whose centre is known lie between ultraviolet and thermal infrared.
+QString bandFault(const CameraModelFromDB& model)
+{
+    constexpr double kShortestNm = 300.0;
+    constexpr double kLongestNm = 15000.0;
+    for (const bands_t& bands : model.bandConfigs) {
+        for (const band_t& band : bands) {
+            const bool unknown = band.wavelength == 0.0;
+            if (!unknown && !(band.wavelength >= kShortestNm && band.wavelength <= kLongestNm)) {
+                return QStringLiteral("its band '%1' lies at %2 nm")
+                    .arg(band.name)
+                    .arg(band.wavelength);
+            }
+        }
+    }
+    return {};
+}
+
+void checkIdentifiers(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
+{
     std::map<QString, QString> ownerOf;
     for (const auto& [name, model] : database.internalData().cameras) {
         const QString& identifier = identifierOf(model);
@@ -52,14 +152,16 @@ void checkCameras(const CameraModelDb& database, std::vector<DatabaseFinding>& f
             findings.push_back(
                 {name, QStringLiteral("shares its identifier with '%1'").arg(owner->second), true});
         }
-        const double difference = tableDifference(model);
-        if (std::abs(difference) > kDoubtful) {
-            findings.push_back(
-                {name,
-                 QStringLiteral("its sensor is %1 % %2 than the table of sensor sizes says")
-                     .arg(std::abs(difference) * 100.0, 0, 'f', 1)
-                     .arg(difference > 0.0 ? QStringLiteral("wider") : QStringLiteral("narrower")),
-                 false});
+    }
+}
+
+void checkNumbers(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
+{
+    for (const auto& [name, model] : database.internalData().cameras) {
+        for (const QString& fault : {numberFault(model), bandFault(model)}) {
+            if (!fault.isEmpty()) {
+                findings.push_back({name, fault, true});
+            }
         }
     }
 }
@@ -99,7 +201,9 @@ void checkRigs(const CameraModelDb& database, std::vector<DatabaseFinding>& find
 std::vector<DatabaseFinding> checkInternalDatabase(const CameraModelDb& database)
 {
     std::vector<DatabaseFinding> findings;
-    checkCameras(database, findings);
+    checkIdentifiers(database, findings);
+    checkNumbers(database, findings);
+    checkSensors(database, findings);
     checkMappings(database, findings);
     checkRigs(database, findings);
     return findings;
