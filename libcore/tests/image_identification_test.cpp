@@ -80,8 +80,9 @@ TEST(IdentifyImage, PixelSizeAndModeFollowFromTheSizes)
 {
     const CameraModelDb db = databaseWith(
         {modelOf("Cam_5.0_4000x3000", 1.5), modelOf("Cam_5.0_2000x1500", 3.0),
-         modelOf("Cam_5.0_3000x3000", 1.5), modelOf("Pair_5.0_4000x3000", 1.5),
-         modelOf("Pair_9.0_640x512", 12.0), modelOf("Maker_9.0_640x512", 17.0)});
+         modelOf("Cam_5.0_3000x3000", 1.5), modelOf("Cam_5.0_4000x2240", 1.5),
+         modelOf("Pair_5.0_4000x3000", 1.5), modelOf("Pair_9.0_640x512", 12.0),
+         modelOf("Maker_9.0_640x512", 17.0)});
     using From = PixelSizeOrigin;
     using Mode = ImageMode;
     ExifInfo makerOnly = asStored("", 640, 512);
@@ -92,6 +93,7 @@ TEST(IdentifyImage, PixelSizeAndModeFollowFromTheSizes)
         {"portrait", asStored("Cam", 3000, 4000), 1.5, From::Database, Mode::Native},
         {"listed as binned", asStored("Cam", 2000, 1500), 3.0, From::Database, Mode::Binned},
         {"listed as a crop", asStored("Cam", 3000, 3000), 1.5, From::Database, Mode::Cropped},
+        {"listed as a wide crop", asStored("Cam", 4000, 2240), 1.5, From::Database, Mode::Cropped},
         {"file half as wide", exifOf("Cam", 4000, 3000, 2000, 1500), 3.0, From::Database,
          Mode::Resized},
         {"file turned and half as wide", exifOf("Cam", 4000, 3000, 1500, 2000), 3.0, From::Database,

@@ -65,6 +65,13 @@ std::vector<KnownMode> ofOneCamera(
     return {};
 }
 
+/// Of two pictures that are about as wide on the sensor.
+bool showsMore(const KnownMode& a, const KnownMode& b)
+{
+    return near(a.pixelSize, b.pixelSize, kWholeNumber) ? a.size.height > b.size.height
+                                                        : a.pixelSize < b.pixelSize;
+}
+
 /// The whole sensor in its finest pixels.
 /// \param modes  of one camera, not empty
 const KnownMode& fullMode(const std::vector<KnownMode>& modes)
@@ -72,8 +79,7 @@ const KnownMode& fullMode(const std::vector<KnownMode>& modes)
     const KnownMode& widest = *std::max_element(modes.begin(), modes.end(), narrower);
     const KnownMode* full = &widest;
     for (const KnownMode& mode : modes) {
-        if (near(mode.widthMm(), widest.widthMm(), kSameSensor) &&
-            mode.pixelSize < full->pixelSize) {
+        if (near(mode.widthMm(), widest.widthMm(), kSameSensor) && showsMore(mode, *full)) {
             full = &mode;
         }
     }
