@@ -27,11 +27,19 @@ ExitCode add(const QString& image, const CommonOptions& options)
     ExifInfo exif;
     CameraData camera;
     QString error;
-    if (!exif::readExif(image, exif, error) || !exif::getCamera(exif, camera, nullptr, error)) {
+    if (!exif::readExif(image, exif, error)) {
         return failed(image, error);
     }
-    // The model serves every body of this camera.
-    camera.serialNumber.clear();
+    // The model serves every body of this camera, and in a rig every band: a
+    // calibration in the image is that of one lens.
+    exif.serialNumber.clear();
+    if (exif.calibration) {
+        exif.calibration.reset();
+        sayRemark(image, QStringLiteral("its own calibration is left out: it is one lens's"));
+    }
+    if (!exif::getCamera(exif, camera, nullptr, error)) {
+        return failed(image, error);
+    }
     const CameraModelFromDB model(camera, QString());
     CameraModelFromDB held;
     if (database.findCameraModel(model.params.name, QString(), true, held, false) &&

@@ -3,6 +3,7 @@
 
 #include "align_command.h"
 #include "camdb_command.h"
+#include "help_format.h"
 #include "identify_command.h"
 #include "lumo/core/common/build_info.h"
 #include "project_command.h"
@@ -17,6 +18,7 @@
 
 #include <limits>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -41,6 +43,7 @@ struct Arguments
     project::ConvertRequest project;
     std::string output;
     std::string backup = "auto";
+    bool explain = false;
     bool matrix = false;
     bool overwrite = false;
     bool internal = false;
@@ -69,6 +72,21 @@ std::string versionText()
 
 using Run = std::function<ExitCode()>;
 
+/// Both ends belong to the range.
+template <typename Number>
+CLI::Validator between(Number lowest, Number highest)
+{
+    std::ostringstream text;
+    text << lowest << " to " << highest;
+    return CLI::Range(lowest, highest).description(text.str());
+}
+
+CLI::Validator atLeast(int lowest)
+{
+    return CLI::Range(lowest, std::numeric_limits<int>::max())
+        .description("at least " + std::to_string(lowest));
+}
+
 /// A subcommand that runs `action` if it is the one asked for.
 CLI::App* addCommand(
     CLI::App& parent, Run& run, const char* name, const char* description, const char* example,
@@ -84,10 +102,14 @@ void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
 {
     CLI::App* identifyCommand = addCommand(
         app, run, "identify", "Find the camera model of image files",
-        "lumo identify --json flight1/",
-        [&arguments] { return identify(toQt(arguments.paths), arguments.common); });
+        "lumo identify --json flight1/", [&arguments] {
+            return identify(toQt(arguments.paths), arguments.explain, arguments.common);
+        });
     identifyCommand->add_option("PATH", arguments.paths, "Image files, or folders with image files")
         ->required();
+    identifyCommand->add_flag(
+        "--explain", arguments.explain,
+        "Say what took or refused each candidate, and all evidence for the pixel size");
 
     CLI::App* rigCommand = addCommand(
         app, run, "rig", "Group image files into captures and find the rig of each",
@@ -97,9 +119,11 @@ void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
                        ? identifyRigs(paths, arguments.matrix, arguments.common)
                        : saveRig(paths, toQt(arguments.rigName), arguments.common);
         });
-    rigCommand->add_option(
-        "--save", arguments.rigName,
-        "Make a rig of your own of this name from the images' own metadata");
+    rigCommand
+        ->add_option(
+            "--save", arguments.rigName,
+            "Make a rig of your own of this name from the images' own metadata")
+        ->type_name("NAME");
     rigCommand->add_option("PATH", arguments.paths, "Image files, or folders with image files")
         ->required();
     rigCommand->add_flag(
@@ -115,21 +139,29 @@ void addSequoiaCommand(CLI::App& app, Run& run, Arguments& arguments)
         });
     command->add_option("PATH", arguments.paths, "Image files, or folders with image files")
         ->required();
-    command->add_option(
-        "--remove-debug-lines", arguments.cutFolder,
-        "Write copies of raw images (970 rows) without their debug lines into this folder");
+    command
+        ->add_option(
+            "--remove-debug-lines", arguments.cutFolder,
+            "Write copies of raw images (970 rows) without their debug lines into this folder")
+        ->type_name("DIR");
+}
+
+void addSerialOption(CLI::App* command, Arguments& arguments)
+{
+    command
+        ->add_option(
+            "--serial", arguments.serialNumber,
+            "Serial number of the one body that the camera is for (default: the camera for all)")
+        ->type_name("SERIAL");
 }
 
 void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
 {
-    const auto serialOption = [&arguments](CLI::App* command) {
-        command->add_option("--serial", arguments.serialNumber, "Serial number of one body");
-    };
     CLI::App* add = addCommand(
         camdb, run, "add", "Make the camera of an image's metadata one of your own",
         "lumo camdb add DJI_0001.JPG",
         [&arguments] { return camdb::add(toQt(arguments.first), arguments.common); });
-    add->add_option("IMAGE", arguments.first, "An image file")->required();
+    add->add_option("IMAGE", arguments.first, "Image file with metadata")->required();
 
     CLI::App* remove = addCommand(
         camdb, run, "remove", "Remove a camera or rig of your own",
@@ -137,17 +169,21 @@ void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
             return camdb::remove(
                 toQt(arguments.first), toQt(arguments.serialNumber), arguments.common);
         });
-    remove->add_option("NAME", arguments.first, "Name of the camera or rig")->required();
-    serialOption(remove);
+    remove->add_option("NAME", arguments.first, "Name of the camera or rig")
+        ->type_name("NAME")
+        ->required();
+    addSerialOption(remove, arguments);
 
     CLI::App* map = addCommand(
-        camdb, run, "map", "Let an identifier stand for a camera",
+        camdb, run, "map", "Let the identifier of images stand for a camera",
         "lumo camdb map FC6310S_8.8_5472x3648 FC6310_8.8_5472x3648", [&arguments] {
             return camdb::map(toQt(arguments.first), toQt(arguments.second), arguments.common);
         });
-    map->add_option("EXIFID", arguments.first, "Identifier, as lumo identify --json shows it")
+    map->add_option(
+           "EXIFID", arguments.first, "Identifier of images: exifId of lumo identify --json")
+        ->type_name("NAME")
         ->required();
-    map->add_option("NAME", arguments.second, "Name of the camera")->required();
+    map->add_option("NAME", arguments.second, "Name of the camera")->type_name("NAME")->required();
 
     CLI::App* import = addCommand(
         camdb, run, "import", "Merge a database of any version into your own",
@@ -156,7 +192,9 @@ void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
         });
     import->add_option("FILE", arguments.first, "XML document, or text database (.csv)")
         ->required();
-    import->add_flag("--overwrite", arguments.overwrite, "Replace entries of the same name");
+    import->add_flag(
+        "--overwrite", arguments.overwrite,
+        "Replace entries of the same name (default: keep them)");
 }
 
 void addDatabaseFiles(CLI::App& camdb, Run& run, Arguments& arguments)
@@ -166,9 +204,12 @@ void addDatabaseFiles(CLI::App& camdb, Run& run, Arguments& arguments)
         [&arguments] {
             return camdb::exportTo(toQt(arguments.first), arguments.internal, arguments.common);
         });
-    exportCommand->add_option("FILE", arguments.first, "XML document, or text database (.csv)")
+    exportCommand
+        ->add_option(
+            "FILE", arguments.first,
+            "File to write: text if its name ends in .csv, else an XML document")
         ->required();
-    exportCommand->add_flag("--internal", arguments.internal, "The shipped database instead");
+    exportCommand->add_flag("--internal", arguments.internal, "Write the shipped database instead");
 
     CLI::App* validate = addCommand(
         camdb, run, "validate", "Say whether a file is a database of the current version",
@@ -183,16 +224,17 @@ void addDatabaseFiles(CLI::App& camdb, Run& run, Arguments& arguments)
             return camdb::convert(toQt(arguments.first), toQt(arguments.second), arguments.common);
         });
     convert->add_option("IN", arguments.first, "XML document of an older version")->required();
-    convert->add_option("OUT", arguments.second, "File to write")->required();
+    convert->add_option("OUT", arguments.second, "XML document to write")->required();
 
     addCommand(
-        camdb, run, "rebuild", "Make the internal database file anew", "lumo camdb rebuild",
+        camdb, run, "rebuild", "Make the file of the shipped database anew", "lumo camdb rebuild",
         [&arguments] { return camdb::rebuild(arguments.common); });
 }
 
 void addDatabaseCommands(CLI::App& app, Run& run, Arguments& arguments)
 {
-    CLI::App* camdb = app.add_subcommand("camdb", "The camera databases");
+    CLI::App* camdb = app.add_subcommand("camdb", "Show and edit the camera databases");
+    camdb->footer("Example: lumo camdb list");
     camdb->require_subcommand(1);
     camdb->fallthrough();
     addCommand(*camdb, run, "list", "List all cameras and rigs", "lumo camdb list", [&arguments] {
@@ -204,19 +246,21 @@ void addDatabaseCommands(CLI::App& app, Run& run, Arguments& arguments)
             return camdb::show(
                 toQt(arguments.first), toQt(arguments.serialNumber), arguments.common);
         });
-    show->add_option("NAME", arguments.first, "Name of the camera or rig")->required();
-    show->add_option("--serial", arguments.serialNumber, "Serial number of one body");
+    show->add_option("NAME", arguments.first, "Name of the camera or rig")
+        ->type_name("NAME")
+        ->required();
+    addSerialOption(show, arguments);
     addDatabaseEditing(*camdb, run, arguments);
     addDatabaseFiles(*camdb, run, arguments);
     addCommand(
-        *camdb, run, "selftest", "Look through the shipped database", "lumo camdb selftest",
+        *camdb, run, "selftest", "Check the entries of the shipped database", "lumo camdb selftest",
         [&arguments] { return camdb::selftest(arguments.common); });
 }
 
 void addAlignCommand(CLI::App& app, Run& run, Arguments& arguments)
 {
     CLI::App* command = addCommand(
-        app, run, "align", "Find the transform between two sets of points",
+        app, run, "align", "Find the transform that takes one set of points to another",
         "lumo align --outliers 0.2 --report site.html points.csv", [&arguments] {
             arguments.align.pointFile = toQt(arguments.first);
             arguments.align.jsonFile = toQt(arguments.jsonFile);
@@ -228,17 +272,23 @@ void addAlignCommand(CLI::App& app, Run& run, Arguments& arguments)
         ->add_option(
             "POINTS", arguments.first,
             "Table (.csv) with a header: x1,y1,z1,x2,y2,z2 and perhaps sx,sy,sz (standard "
-            "deviations of set 1) and name; set 2 is mapped onto set 1")
+            "deviations, in the unit of set 1) and name; set 2 is mapped onto set 1")
         ->required();
     command->add_option("--outliers", align.outlierRatio, "Assumed share of wrong pairs")
-        ->check(CLI::Range(0.0, 0.99))
+        ->type_name("R")
+        ->check(between(0.0, 0.99))
         ->capture_default_str();
     command->add_option("--samples", align.samplePairs, "Pairs per random sample")
-        ->check(CLI::Range(3, 1000000))
+        ->type_name("N")
+        ->check(between(3, 1000000))
         ->capture_default_str();
-    command->add_option("--seed", align.seed, "Of the random samples")->capture_default_str();
-    command->add_option("-o", arguments.jsonFile, "Write the result to this JSON file, too");
-    command->add_option("--report", arguments.reportFile, "Write a report to this HTML file");
+    command->add_option("--seed", align.seed, "Seed of the random samples")
+        ->type_name("N")
+        ->capture_default_str();
+    command->add_option("-o", arguments.jsonFile, "Write the result to this JSON file, too")
+        ->type_name("FILE");
+    command->add_option("--report", arguments.reportFile, "Write a report to this HTML file")
+        ->type_name("FILE");
     command->add_flag(
         "--force", align.force, "Give a transform even where the points leave it open");
 }
@@ -251,15 +301,18 @@ void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
         [&arguments] { return showResources(arguments.resources, arguments.common); });
     constexpr int kMostRamGB = 2097151; // beyond it, an int does not hold the MB
     command->add_option("--max-cpus", arguments.resources.maxCPUs, "CPU threads at most")
-        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+        ->type_name("N")
+        ->check(atLeast(1));
     command->add_option("--max-ram-gb", arguments.resources.maxRamGB, "Memory at most, in GB")
-        ->check(CLI::Range(1, kMostRamGB));
+        ->type_name("N")
+        ->check(between(1, kMostRamGB));
     command
         ->add_option(
             "--disable-gpu", arguments.resources.disabledGpus,
-            "Leave this GPU out (from 0; may be given again)")
+            "Leave out the GPU of this number, the first being 0; may be given again")
+        ->type_name("N")
         ->allow_extra_args(false)
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()));
+        ->check(atLeast(0));
 }
 
 void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
@@ -276,16 +329,21 @@ void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
         ->add_option(
             "FILE", arguments.paths, "Projects (.kpx) and templates (.tmpl), or folders of them")
         ->required();
-    convert->add_option(
-        "-o", arguments.output,
-        "Write the result here (a folder, if there are several files) instead of in place");
+    convert
+        ->add_option(
+            "-o", arguments.output,
+            "Write the result here (a folder, if there are several files) instead of in place")
+        ->type_name("FILE");
     convert->add_option("--target", arguments.project.target, "Format version to convert to")
-        ->check(CLI::Range(0, project::kCurrentVersion))
+        ->type_name("N")
+        ->check(between(0, project::kCurrentVersion))
         ->capture_default_str();
     convert
         ->add_option(
             "--backup", arguments.backup,
-            "In place: auto (beside the file; of templates in the data folder), none, or a path")
+            "Where the old file is kept when it is converted in place: auto (beside it; of "
+            "templates in the data folder), none, or this file (a folder, if there are several)")
+        ->type_name("auto|none|FILE")
         ->capture_default_str();
     convert->add_flag(
         "--dry-run", arguments.project.dryRun, "Say what would be done, and write nothing");
@@ -293,7 +351,9 @@ void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
 
 void addProjectCommands(CLI::App& app, Run& run, Arguments& arguments)
 {
-    CLI::App* parent = app.add_subcommand("project", "Project files and processing templates");
+    CLI::App* parent = app.add_subcommand(
+        "project", "Show, convert and validate project files and processing templates");
+    parent->footer("Example: lumo project info site.kpx");
     parent->require_subcommand(1);
     parent->fallthrough();
     const auto addFiles = [&arguments](CLI::App* command) {
@@ -304,7 +364,8 @@ void addProjectCommands(CLI::App& app, Run& run, Arguments& arguments)
             ->required();
     };
     addFiles(addCommand(
-        *parent, run, "info", "Say of what versions files are", "lumo project info site.kpx",
+        *parent, run, "info", "Say of what versions files are, and what converting them would do",
+        "lumo project info site.kpx",
         [&arguments] { return project::info(toQt(arguments.paths), arguments.common); }));
     addProjectConvert(*parent, run, arguments);
     addFiles(addCommand(
@@ -313,29 +374,44 @@ void addProjectCommands(CLI::App& app, Run& run, Arguments& arguments)
         [&arguments] { return project::validate(toQt(arguments.paths), arguments.common); }));
 }
 
+/// Everything that the program understands.
+void define(CLI::App& app, Run& run, Request& request, Arguments& arguments)
+{
+    app.name("lumo");
+    app.description("Cameras, rigs, projects and alignment of photogrammetric images.");
+    app.footer(
+        "Exit codes: 0 all done; 1 something could not be done, each said on the standard error "
+        "stream as \"lumo: FILE: reason\"; 2 wrong usage");
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.set_help_flag("-h,--help", "Print this help and exit");
+    app.set_version_flag("--version", versionText(), "Print the version and exit");
+    app.add_flag(
+        "--json", arguments.common.json,
+        "One JSON object per line on the standard output, nothing else there");
+    app.add_flag("-v", request.verbosity, "Say more of what is done; -vv says all");
+    app.add_option(
+           "--data-dir", arguments.dataDirectory,
+           "Folder of your own databases and settings (default: ~/.local/share/lumo)")
+        ->type_name("DIR");
+    addImageCommands(app, run, arguments);
+    addSequoiaCommand(app, run, arguments);
+    addDatabaseCommands(app, run, arguments);
+    addResourcesCommand(app, run, arguments);
+    addAlignCommand(app, run, arguments);
+    addProjectCommands(app, run, arguments);
+}
+
 } // namespace
 
 Request parseCommandLine(int argc, char** argv)
 {
     Request request;
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App app("Cameras, rigs, projects and alignment of photogrammetric images.", "lumo");
-    app.require_subcommand(1);
-    app.fallthrough();
-    app.set_version_flag("--version", versionText());
-    app.add_flag(
-        "--json", arguments->common.json, "One JSON object per line on the standard output");
-    app.add_flag("-v", request.verbosity, "Say more of what is done; -vv says all");
-    app.add_option(
-        "--data-dir", arguments->dataDirectory,
-        "Folder of your own databases and settings (default: the user's data folder)");
+    CLI::App app;
     Run run;
-    addImageCommands(app, run, *arguments);
-    addSequoiaCommand(app, run, *arguments);
-    addDatabaseCommands(app, run, *arguments);
-    addResourcesCommand(app, run, *arguments);
-    addAlignCommand(app, run, *arguments);
-    addProjectCommands(app, run, *arguments);
+    define(app, run, request, *arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -348,6 +424,16 @@ Request parseCommandLine(int argc, char** argv)
             : toQt(arguments->dataDirectory);
     request.run = [run, arguments] { return run(); };
     return request;
+}
+
+void showCommandLine(const std::function<void(const CLI::App&)>& show)
+{
+    Request request;
+    Arguments arguments;
+    CLI::App app;
+    Run run;
+    define(app, run, request, arguments);
+    show(app);
 }
 
 } // namespace lumo::program

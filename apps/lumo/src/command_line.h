@@ -5,6 +5,10 @@
 
 #include <functional>
 
+namespace CLI {
+class App;
+}
+
 namespace lumo::program {
 
 /// What the command line asks for.
@@ -18,5 +22,8 @@ struct Request
 
 /// Parses the command line; help, version and errors are printed.
 [[nodiscard]] Request parseCommandLine(int argc, char** argv);
+
+/// Hands out the definitions of all commands and options, for help in other forms.
+void showCommandLine(const std::function<void(const CLI::App&)>& show);
 
 } // namespace lumo::program

@@ -3,6 +3,7 @@
 
 #include "camera_text.h"
 #include "database.h"
+#include "identification_text.h"
 #include "image_reading.h"
 #include "lumo/core/cameraInfo/image_identification.h"
 #include "lumo/foundation/log.h"
@@ -45,11 +46,13 @@ QJsonObject toJson(const QString& file, const ExifInfo& exif, const ImageIdentif
     record["height"] = static_cast<qint64>(found.height);
     record["nativeWidth"] = static_cast<qint64>(exif.imageWidth);
     record["nativeHeight"] = static_cast<qint64>(exif.imageHeight);
+    record["mode"] = toString(found.mode);
     record["pixelSizeUm"] = shownNumber(found.camera.params.pixelSize * kMicrometresPerMillimetre);
     record["pixelSizeFrom"] = toString(found.pixelSizeFrom);
     record["focalLengthMm"] = shownNumber(focalLengthMm(exif, found));
     record["lens"] = lensText(found.camera.params.lensType);
     record["bands"] = QJsonArray::fromStringList(found.camera.bands.names());
+    record["disagreements"] = QJsonArray::fromStringList(found.disagreements);
     return record;
 }
 
@@ -62,6 +65,7 @@ QStringList toRow(const QString& file, const ExifInfo& exif, const ImageIdentifi
         exif.make,
         exif.model,
         QStringLiteral("%1x%2").arg(found.width).arg(found.height),
+        toString(found.mode),
         focal > 0.0 ? QString::number(focal, 'f', 2) : QString(),
         pixelSizeUm > 0.0 ? QString::number(pixelSizeUm, 'f', 3) : QString(),
         toString(found.pixelSizeFrom),
@@ -72,19 +76,30 @@ QStringList toRow(const QString& file, const ExifInfo& exif, const ImageIdentifi
 
 } // namespace
 
-ExitCode identify(const QStringList& paths, const CommonOptions& options)
+ExitCode identify(const QStringList& paths, bool explain, const CommonOptions& options)
 {
     CameraModelDb database = openDatabase(options);
     ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
+    const ImageIdentifier identifier(database);
     std::vector<QStringList> table{
-        {"file", "make", "model", "size", "focal mm", "pixel um", "from", "source", "camera"}};
+        {"file", "make", "model", "size", "mode", "focal mm", "pixel um", "from", "source",
+         "camera"}};
     const auto identifyOne = [&](const QString& file, const ExifInfo& exif) {
-        const ImageIdentification found = identifyImage(exif, database);
+        const ImageIdentification found = identifier.identify(exif);
         if (!found.reason.isEmpty()) {
             log::info() << file << found.reason;
         }
+        for (const QString& disagreement : found.disagreements) {
+            sayRemark(file, disagreement);
+        }
         if (options.json) {
-            printJsonLine(toJson(file, exif, found));
+            QJsonObject record = toJson(file, exif, found);
+            if (explain) {
+                record["explain"] = explanationJson(found, identifier.candidates(exif));
+            }
+            printJsonLine(record);
+        } else if (explain) {
+            printText(explanationText(file, found, identifier.candidates(exif)));
         } else {
             table.push_back(toRow(file, exif, found));
         }

@@ -8,6 +8,9 @@
 namespace lumo::program {
 
 /// `lumo identify PATH...`: one record per image file, as a table or as JSON.
-[[nodiscard]] ExitCode identify(const QStringList& paths, const CommonOptions& options);
+/// \param explain  with all candidates and evidence, in a block per file instead of
+///     the table
+[[nodiscard]] ExitCode identify(
+    const QStringList& paths, bool explain, const CommonOptions& options);
 
 } // namespace lumo::program

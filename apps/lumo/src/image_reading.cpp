@@ -3,7 +3,8 @@
 
 #include "lumo/core/services/core_services.h"
 #include "lumo/core/services/progress_status_service.h"
-#include "lumo/exif/read_exif.h"
+#include "lumo/exif/read_exif_files.h"
+#include "lumo/foundation/system_limits.h"
 
 namespace lumo::program {
 namespace {
@@ -24,22 +25,22 @@ void readImages(const QStringList& arguments, const ImageRead& read, const PathF
 {
     const QStringList files = listFiles(arguments, imageExtensions(), failed);
     unsigned long long done = 0;
-    for (const QString& file : files) {
+    const auto take = [&](const exif::FileMetadata& file) {
         if (serviceProgress().shouldStop()) {
-            failed(file, QStringLiteral("stopped before this file"));
-            return;
+            failed(file.path, QStringLiteral("stopped before this file"));
+            return false;
         }
-        ExifInfo exif;
-        QString error;
-        if (exif::readExif(file, exif, error)) {
-            read(file, exif);
+        if (file.error.isEmpty()) {
+            read(file.path, file.exif);
         } else {
-            failed(file, error);
+            failed(file.path, file.error);
         }
         serviceProgress().setProgress(
             ++done, static_cast<unsigned long long>(files.size()),
             QStringLiteral("Reading metadata"));
-    }
+        return true;
+    };
+    exif::readExifFiles(files, system::cpuLimit().cpus, take);
 }
 
 } // namespace lumo::program

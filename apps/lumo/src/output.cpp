@@ -16,6 +16,11 @@ void sayFailure(const QString& file, const QString& reason)
     std::fputs(QStringLiteral("lumo: %1: %2\n").arg(file, reason).toUtf8().constData(), stderr);
 }
 
+void sayRemark(const QString& file, const QString& remark)
+{
+    sayFailure(file, remark);
+}
+
 ExitCode failed(const QString& what, const QString& reason)
 {
     sayFailure(what, reason);

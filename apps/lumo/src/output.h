@@ -24,6 +24,9 @@ enum ExitCode : int {
 /// "lumo: FILE: reason" on the standard error stream.
 void sayFailure(const QString& file, const QString& reason);
 
+/// What the user should know of a file though nothing failed, in the same form.
+void sayRemark(const QString& file, const QString& remark);
+
 /// Says a failure and is its exit code.
 [[nodiscard]] ExitCode failed(const QString& what, const QString& reason);
 

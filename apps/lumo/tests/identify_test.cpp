@@ -50,13 +50,42 @@ TEST(Identify, ARecordSaysWhatTheImageAndTheDatabaseHold)
         {"height", 1824},
         {"nativeWidth", 5472},
         {"nativeHeight", 3648},
+        {"mode", "resized"},
         {"pixelSizeUm", 4.8},
         {"pixelSizeFrom", "database"},
         {"focalLengthMm", 8.8},
         {"lens", "perspective"},
         {"bands", QJsonArray{"Red", "Green", "Blue"}},
+        {"disagreements", QJsonArray()},
     };
     EXPECT_EQ(record, expected);
+}
+
+TEST(Identify, ExplainNamesTheCandidateAndTheEvidenceThatWereTaken)
+{
+    const QString image = samplePath("images/drone_fc6310_half.jpg");
+    const ProgramRun json = runProgram({"identify", "--json", "--explain", image});
+    ASSERT_EQ(json.records().size(), 1u);
+    const QJsonObject explained = json.records().front()["explain"].toObject();
+    QStringList taken;
+    for (const QJsonValue& candidate : explained["candidates"].toArray()) {
+        EXPECT_FALSE(candidate["rule"].toString().isEmpty());
+        if (candidate["taken"].toBool()) {
+            taken.append(candidate["name"].toString());
+        }
+    }
+    for (const QJsonValue& evidence : explained["evidence"].toArray()) {
+        if (evidence["verdict"] == "taken") {
+            taken.append(evidence["from"].toString());
+            EXPECT_EQ(evidence["pixelSizeUm"].toDouble(), 2.4);
+        }
+    }
+    EXPECT_EQ(taken, (QStringList{"FC6310_8.8_5472x3648", "database"}));
+
+    const ProgramRun text = runProgram({"identify", "--explain", image});
+    for (const char* part : {"drone_fc6310_half.jpg\n", "its name", "resized", "evidence"}) {
+        EXPECT_TRUE(text.out.contains(part)) << part << " is not in\n" << text.out.toStdString();
+    }
 }
 
 TEST(Identify, BadFilesAreSaidOneByOneAndTheRestIsDone)

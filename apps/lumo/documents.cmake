@@ -1,0 +1,29 @@
+# The manual page and the completions, made from the definitions of the command line.
+
+add_executable(lumo_generate_documents
+    src/bash_completion.cpp
+    src/command_tree.cpp
+    src/generate_documents.cpp
+    src/man_page.cpp
+    src/zsh_completion.cpp)
+target_link_libraries(lumo_generate_documents PRIVATE lumo_program)
+
+set(documents ${CMAKE_CURRENT_BINARY_DIR}/documents)
+file(MAKE_DIRECTORY ${documents})
+find_program(LUMO_GZIP gzip REQUIRED)
+add_custom_command(
+    OUTPUT ${documents}/lumo.1 ${documents}/lumo.1.gz ${documents}/lumo.bash ${documents}/_lumo
+    COMMAND lumo_generate_documents ${documents}
+    COMMAND ${LUMO_GZIP} -9nkf ${documents}/lumo.1
+    DEPENDS lumo_generate_documents
+    COMMENT "Generating the manual page and the completions of lumo"
+    VERBATIM)
+add_custom_target(lumo_documents ALL DEPENDS ${documents}/lumo.1.gz)
+
+install(FILES ${documents}/lumo.1.gz
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+install(FILES ${documents}/lumo.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME lumo COMPONENT program)
+# Where Debian's zsh looks for what packages bring.
+install(FILES ${documents}/_lumo
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT program)
