@@ -7,9 +7,10 @@ include(GenerateExportHeader)
 #     HEADERS <file>...    public headers below include/lumo/<name>/
 #     SOURCES <file>...    below src/
 #     PUBLIC <target>...   named in our public headers
-#     PRIVATE <target>...)
+#     PRIVATE <target>...
+#     [C_INTERFACE])       programs in C use it, too
 function(lumo_add_library name)
-    cmake_parse_arguments(ARG "" "" "HEADERS;SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    cmake_parse_arguments(ARG "C_INTERFACE" "" "HEADERS;SOURCES;PUBLIC;PRIVATE" ${ARGN})
     set(target lumo_${name})
     list(TRANSFORM ARG_HEADERS PREPEND include/lumo/${name}/)
     list(TRANSFORM ARG_SOURCES PREPEND src/)
@@ -34,7 +35,15 @@ function(lumo_add_library name)
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         VERIFY_INTERFACE_HEADER_SETS ON)
-    install(TARGETS ${target} EXPORT lumoTargets FILE_SET HEADERS)
+    if(NOT ARG_C_INTERFACE)
+        target_compile_features(${target} PUBLIC cxx_std_20)
+    endif()
+    if(UNIX AND NOT APPLE)
+        set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
+        set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
+    endif()
+    lumo_install_library(${name} ${ARG_PUBLIC})
 endfunction()
 
 # lumo_add_tests(<name>
