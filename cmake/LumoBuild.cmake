@@ -13,7 +13,11 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
 find_program(LUMO_CCACHE ccache)
 if(LUMO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${LUMO_CCACHE}")
+    # One cache for all checkouts and build folders of a preset: paths count from the
+    # source folder, and where a build was made does not count.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+        ${LUMO_CCACHE})
 endif()
 
 add_library(lumo_warnings INTERFACE)

@@ -8,6 +8,7 @@
 #include "lumo/core/xml/xslt_converter.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
+#include "source_dir.h"
 #include "xml_test_tools.h"
 
 #include <QBuffer>
@@ -23,7 +24,7 @@ using testing::StartsWith;
 
 QString samplePath(const QString& name)
 {
-    return QStringLiteral(LUMO_SOURCE_DIR "/samples/camdb/camdb_%1.xml").arg(name);
+    return sourcePath("samples/camdb/camdb_%1.xml").arg(name);
 }
 
 bool validates(const QByteArray& document, const char* schema)
@@ -31,7 +32,7 @@ bool validates(const QByteArray& document, const char* schema)
     xml::XmlValidator validator;
     QBuffer device;
     device.setData(document);
-    return validator.loadXsd(QStringLiteral(LUMO_SOURCE_DIR "/resources/xsd/") + schema) &&
+    return validator.loadXsd(sourcePath("resources/xsd/") + schema) &&
            device.open(QIODevice::ReadOnly) && validator.validateXml(device);
 }
 
@@ -52,7 +53,7 @@ QByteArray to17(const QByteArray& document)
 QByteArray transformed(const char* stylesheet, const QByteArray& document)
 {
     XsltConverter step;
-    step.setXslFile(QStringLiteral(LUMO_SOURCE_DIR "/resources/xsl/") + stylesheet);
+    step.setXslFile(sourcePath("resources/xsl/") + stylesheet);
     return run(step, document);
 }
 
@@ -83,7 +84,7 @@ protected:
     void SetUp() override
     {
         registerXmlConverters();
-        system::setApplicationDirectory(LUMO_SOURCE_DIR);
+        system::setApplicationDirectory(sourcePath());
     }
     void TearDown() override { system::setApplicationDirectory(QString()); }
 
@@ -142,7 +143,7 @@ TEST_F(CameraDbConverter_, AStylesheetDoesTheSameInBothEngines)
 {
     const QByteArray one = "<xsl:stylesheet version=\"1.0\"";
     const QByteArray two = "<xsl:stylesheet version=\"2.0\"";
-    QByteArray text = test::readFile(LUMO_SOURCE_DIR "/resources/xsl/camdb_18_19.xsl");
+    QByteArray text = test::readFile(sourcePath("resources/xsl/camdb_18_19.xsl"));
     ASSERT_TRUE(text.contains(one));
     XsltConverter step;
     step.setXslFile(file("two.xsl", text.replace(one, two)));
@@ -321,7 +322,7 @@ TEST_F(CameraDbConverter_, AFailedStepTouchesNoFileAndMayBeRepeated)
         log.records().back().text.toStdString(), EndsWith("]. Cannot transform XML using XSLT"));
     EXPECT_EQ(test::readFile(output), "as before");
 
-    system::setApplicationDirectory(LUMO_SOURCE_DIR);
+    system::setApplicationDirectory(sourcePath());
     EXPECT_FALSE(converter.convert(m_folder.filePath("no folder/out.xml")));
     EXPECT_TRUE(converter.convert(input)) << "the input may be the output";
     EXPECT_FALSE(CameraDbConverter(input).needsConvertion());

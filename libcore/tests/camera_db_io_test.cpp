@@ -7,6 +7,7 @@
 #include "lumo/core/xml/register_xml_converters.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
+#include "source_dir.h"
 #include "test_cameras.h"
 
 #include <QDir>
@@ -38,7 +39,7 @@ protected:
     CameraDbFiles()
     {
         registerXmlConverters();
-        system::setApplicationDirectory(QStringLiteral(LUMO_SOURCE_DIR));
+        system::setApplicationDirectory(sourcePath());
     }
     ~CameraDbFiles() override { system::setApplicationDirectory(QString()); }
 
@@ -57,8 +58,7 @@ protected:
 
     static QByteArray sample(int version)
     {
-        return contentOf(
-            QStringLiteral(LUMO_SOURCE_DIR "/samples/camdb/camdb_%1.xml").arg(version));
+        return contentOf(sourcePath("samples/camdb/camdb_%1.xml").arg(version));
     }
 
     QTemporaryDir m_folder;

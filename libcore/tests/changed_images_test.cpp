@@ -5,6 +5,7 @@
 #include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/exif/read_exif.h"
 #include "shared_images.h"
+#include "source_dir.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -126,7 +127,7 @@ TEST_F(ChangedImages, OfTheSamplesAreRecognised)
     int changes = 0;
     int recognised = 0;
     for (const char* name : {"drone_fc6310.jpg", "compact_portrait.jpg", "no_sensor_known.jpg"}) {
-        recognised += check(QStringLiteral(LUMO_SOURCE_DIR "/samples/images/") + name, changes);
+        recognised += check(sourcePath("samples/images/") + name, changes);
     }
     EXPECT_EQ(changes, 7);
     EXPECT_EQ(recognised, changes);

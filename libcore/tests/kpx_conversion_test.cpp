@@ -3,6 +3,7 @@
 #include "lumo/core/xml/xsd_type_element_index.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
+#include "source_dir.h"
 #include "xml_test_tools.h"
 
 #include <QBuffer>
@@ -64,13 +65,13 @@ std::string errorOf(Mode mode, const QByteArray& document)
 class KpxConversion : public testing::Test
 {
 protected:
-    void SetUp() override { system::setApplicationDirectory(LUMO_SOURCE_DIR); }
+    void SetUp() override { system::setApplicationDirectory(sourcePath()); }
     void TearDown() override { system::setApplicationDirectory(QString()); }
 };
 
 TEST_F(KpxConversion, TheSchemaListsTheOptionsOfEverySection)
 {
-    const XsdTypeElementIndex index(LUMO_SOURCE_DIR "/resources/xsd/0/lumo.xsd");
+    const XsdTypeElementIndex index(sourcePath("resources/xsd/0/lumo.xsd"));
     EXPECT_EQ(index.imageElements().size(), 6u);
     EXPECT_EQ(index.cameraElements().size(), 35u);
     EXPECT_EQ(index.initialOptionsElements().size(), 20u);
@@ -236,7 +237,7 @@ TEST_F(KpxConversion, WhatIsDroppedIsTold)
 TEST_F(KpxConversion, AnOptionOfSeveralSectionsGoesToTheFirst)
 {
     QTemporaryDir app;
-    QByteArray schema = test::readFile(LUMO_SOURCE_DIR "/resources/xsd/0/lumo.xsd");
+    QByteArray schema = test::readFile(sourcePath("resources/xsd/0/lumo.xsd"));
     schema.replace(
         "<xs:element name=\"dsmMethod\"",
         "<xs:element name=\"pclDensity\" type=\"textOption\"/><xs:element name=\"dsmMethod\"");
@@ -278,7 +279,7 @@ TEST_F(KpxConversion, RefusesWhatItCannotConvert)
     for (const auto& [name, document] : test::hostileDocuments()) {
         EXPECT_NE(errorOf(Mode::Project, document), "") << name;
     }
-    const QByteArray sample = test::readFile(LUMO_SOURCE_DIR "/samples/projects/drone_2.0.kpx");
+    const QByteArray sample = test::readFile(sourcePath("samples/projects/drone_2.0.kpx"));
     for (int size = 0; size < sample.trimmed().size(); size += 1) {
         if (size % 64 == 0 || size < 200) {
             EXPECT_NE(errorOf(Mode::Project, sample.left(size)), "") << size;

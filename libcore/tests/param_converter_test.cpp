@@ -4,6 +4,7 @@
 #include "lumo/core/xml/register_xml_converters.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
+#include "source_dir.h"
 #include "xml_test_tools.h"
 
 #include <QBuffer>
@@ -21,7 +22,7 @@ const QByteArray kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 QString sample(const QString& name)
 {
-    return QStringLiteral(LUMO_SOURCE_DIR "/samples/") + name;
+    return sourcePath("samples/") + name;
 }
 
 QByteArray project(const QByteArray& version, const QByteArray& format = "")
@@ -34,9 +35,8 @@ QByteArray project(const QByteArray& version, const QByteArray& format = "")
 QString validationError(const QString& file, int version, bool isTemplate)
 {
     xml::XmlValidator validator;
-    const QString schema = QStringLiteral(LUMO_SOURCE_DIR "/resources/xsd/%1/%2.xsd")
-                               .arg(version)
-                               .arg(isTemplate ? "template" : "lumo");
+    const QString schema =
+        sourcePath("resources/xsd/%1/%2.xsd").arg(version).arg(isTemplate ? "template" : "lumo");
     QString error;
     return validator.loadXsd(schema) && validator.validateXml(file, error) ? QString()
                                                                            : "invalid: " + error;
@@ -58,7 +58,7 @@ protected:
     void SetUp() override
     {
         registerXmlConverters();
-        system::setApplicationDirectory(LUMO_SOURCE_DIR);
+        system::setApplicationDirectory(sourcePath());
     }
     void TearDown() override
     {
@@ -84,7 +84,7 @@ protected:
     /// An application directory of the test's own, with all that is installed.
     QString applicationCopy(const QString& name)
     {
-        const QDir source(QStringLiteral(LUMO_SOURCE_DIR "/resources"));
+        const QDir source(sourcePath("resources"));
         for (const QString& part :
              {QStringLiteral("xsd/0"), QStringLiteral("xsd/1"), QStringLiteral("xsl/0")}) {
             EXPECT_TRUE(QDir(path(name)).mkpath("resources/" + part));
@@ -180,7 +180,7 @@ TEST_F(ParamConverter_, EveryOptionOfAnOldProjectKeepsItsValue)
 {
     // "old,new" a line. An option of several old names takes as many projects.
     QList<QByteArray> rows =
-        test::readFile(LUMO_SOURCE_DIR "/libcore/tests/kpx_option_names.csv").trimmed().split('\n');
+        test::readFile(sourcePath("libcore/tests/kpx_option_names.csv")).trimmed().split('\n');
     EXPECT_EQ(rows.size(), 91);
     while (!rows.empty()) {
         QByteArray content;
@@ -331,7 +331,7 @@ TEST_F(ParamConverter_, AFailedStepTouchesNothingAndMayBeRepeated)
     }
     EXPECT_EQ(test::readFile(output), "as before");
 
-    system::setApplicationDirectory(LUMO_SOURCE_DIR);
+    system::setApplicationDirectory(sourcePath());
     const QString nowhere = path("no folder/out.kpx");
     const log::Capture log;
     EXPECT_FALSE(converter.convert(nowhere));

@@ -3,6 +3,7 @@
 #include "lumo/core/xml/xsd_type_element_index.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
+#include "source_dir.h"
 #include "xml_test_tools.h"
 
 #include <QBuffer>
@@ -183,14 +184,12 @@ TEST_F(ApplicationFolder, ElementIndexRefusesWhatIsNoXml)
 
 QString schemaPath(int version)
 {
-    return QStringLiteral(LUMO_SOURCE_DIR "/resources/xsd/%1.xsd")
-        .arg(version == 18 ? "camDB_2_1" : "camDB_2_2");
+    return sourcePath("resources/xsd/%1.xsd").arg(version == 18 ? "camDB_2_1" : "camDB_2_2");
 }
 
 QByteArray sample(int version)
 {
-    return test::readFile(
-        QStringLiteral(LUMO_SOURCE_DIR "/samples/camdb/camdb_%1.xml").arg(version));
+    return test::readFile(sourcePath("samples/camdb/camdb_%1.xml").arg(version));
 }
 
 TEST(CameraDbSchemas, LoadInSilenceAndTakeTheirVersionOnly)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "source_dir.h"
+
 #include <QDir>
 #include <QString>
 
@@ -9,6 +11,6 @@
 inline QDir sharedImages()
 {
     const QString given = QString::fromLocal8Bit(qgetenv("LUMO_SHARED_DIR"));
-    const QString shared = given.isEmpty() ? QStringLiteral(LUMO_SOURCE_DIR "/../shared") : given;
+    const QString shared = given.isEmpty() ? sourcePath("../shared") : given;
     return QDir(shared + QStringLiteral("/images"));
 }

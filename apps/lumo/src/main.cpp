@@ -46,7 +46,7 @@ int main(int argc, char** argv)
     if (!request.run) {
         return request.exitCode;
     }
-    static_cast<void>(lumo::CoreServices::instance());
+    lumo::CoreServices::instance();
     showLog(request.verbosity);
     lumo::program::catchInterrupt();
     const lumo::program::ProgressBar progressBar;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "program.h"
 
+#include "source_dir.h"
+
 #include <QJsonDocument>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -40,5 +42,5 @@ ProgramRun runProgram(const QStringList& arguments)
 
 QString samplePath(const QString& name)
 {
-    return QStringLiteral(LUMO_SOURCE_DIR "/samples/") + name;
+    return sourcePath("samples/") + name;
 }

@@ -22,7 +22,7 @@ class StatusBarService;
 class LUMO_CORE_EXPORT CoreServices
 {
 public:
-    [[nodiscard]] static CoreServices& instance();
+    static CoreServices& instance();
 
     CoreServices(const CoreServices&) = delete;
     CoreServices& operator=(const CoreServices&) = delete;
