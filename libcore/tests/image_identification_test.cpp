@@ -138,7 +138,7 @@ TEST(IdentifyImage, PixelSizeAndModeFollowFromTheSizes)
     }
 }
 
-QStringList disagreements(ExifInfo exif, const std::vector<CameraModelFromDB>& models)
+QStringList disagreements(const ExifInfo& exif, const std::vector<CameraModelFromDB>& models)
 {
     return identifyImage(exif, databaseWith(models)).disagreements;
 }

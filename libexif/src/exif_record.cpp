@@ -190,7 +190,7 @@ QString captureId(const XmpProperties& xmp)
 {
     for (const char* property :
          {"Camera:CaptureUUID", "drone-dji:CaptureUUID", "MicaSense:CaptureId"}) {
-        const QString text = xmp.text(property);
+        QString text = xmp.text(property);
         if (!text.isEmpty()) {
             return text;
         }

@@ -15,7 +15,7 @@
 namespace lumo::exif {
 namespace {
 
-constexpr long kMaxTagBytes = 128 * 1024;
+constexpr long kMaxTagBytes = 128L * 1024L;
 constexpr std::size_t kMaxNumbers = 16;
 
 void logMessage(int, const char* message)

@@ -16,6 +16,7 @@ constexpr double kAxisTolerance = 0.05;
 constexpr double kProportionTolerance = 0.01;
 constexpr double kShapeTolerance = 0.02;
 constexpr double kTableFactor = 1.2;
+constexpr double kRoundedFactor = 1.05;
 constexpr double kEquivalentFactor = 1.5;
 constexpr double kOtherCameraFactor = 1.15;
 constexpr double kWidestPerspective35Mm = 9.0;
@@ -204,8 +205,12 @@ std::vector<PixelSizeEvidence> findPixelSizeEvidence(const ExifInfo& exif)
     if (s.calibration) {
         s.calibration->doubt = doubtOfCalibration(s);
     }
+    // The tags are often rounded, or those of a nominal sensor.
+    const bool tableFirst = supports(s.plane, s.table, kRoundedFactor);
     std::vector<PixelSizeEvidence> result;
-    for (const auto& evidence : {s.plane, s.calibration, s.table, s.equivalent}) {
+    for (const auto& evidence :
+         {tableFirst ? s.table : std::nullopt, s.plane, s.calibration,
+          tableFirst ? std::nullopt : s.table, s.equivalent}) {
         if (evidence) {
             result.push_back(*evidence);
         }

@@ -66,9 +66,11 @@ std::string optionSpecs(const CLI::App& command)
         }
         for (const std::string& name : names) {
             const bool equals = !value.empty() && name.compare(0, 2, "--") == 0;
-            result += "        '" + (again ? "*" : '(' + others + ')') + name +
-                      (equals ? "=" : "") + '[' + quoted(format.make_option_desc(option), "[]:") +
-                      ']' + (value.empty() ? "" : valueSpec(*option, value)) + "'\n";
+            result += "        '";
+            result += again ? "*" : '(' + others + ')';
+            result += name + (equals ? "=" : "");
+            result += '[' + quoted(format.make_option_desc(option), "[]:") + ']';
+            result += (value.empty() ? "" : valueSpec(*option, value)) + "'\n";
         }
     }
     return result;

@@ -68,13 +68,13 @@ TEST(Identify, ExplainNamesTheCandidateAndTheEvidenceThatWereTaken)
     ASSERT_EQ(json.records().size(), 1u);
     const QJsonObject explained = json.records().front()["explain"].toObject();
     QStringList taken;
-    for (const QJsonValue& candidate : explained["candidates"].toArray()) {
+    for (const QJsonValue candidate : explained["candidates"].toArray()) {
         EXPECT_FALSE(candidate["rule"].toString().isEmpty());
         if (candidate["taken"].toBool()) {
             taken.append(candidate["name"].toString());
         }
     }
-    for (const QJsonValue& evidence : explained["evidence"].toArray()) {
+    for (const QJsonValue evidence : explained["evidence"].toArray()) {
         if (evidence["verdict"] == "taken") {
             taken.append(evidence["from"].toString());
             EXPECT_EQ(evidence["pixelSizeUm"].toDouble(), 2.4);

@@ -118,7 +118,7 @@ QString CameraModelDb::exifId2cameraName(const ExifID& exifId, bool internalOnly
     if (!validCameraName(exifId.first)) {
         return {};
     }
-    const QString name = exifId2cameraName(exifId.first, internalOnly);
+    QString name = exifId2cameraName(exifId.first, internalOnly);
     if (!name.isEmpty() || !validCameraName(exifId.second)) {
         return name;
     }

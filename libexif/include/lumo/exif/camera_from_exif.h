@@ -42,7 +42,9 @@ struct PixelSizeEvidence
 ///   a Canon EOS 20D is 1.37 off by itself); if, without a table entry, it differs
 ///   from the 35 mm equivalent, which is coarse, by more than 1.5. Two values in
 ///   the proportion of the image's sides are taken as the sensor's size in
-///   millimetres, which some thermal cameras write here.
+///   millimetres, which some thermal cameras write here. Where the sensor table agrees
+///   within a factor of 1.05 that goes first: cameras round these tags, or state those
+///   of a nominal sensor.
 /// - Calibration in pixels: the focal length over the calibrated one, the design's
 ///   where that is stated, of a fisheye lens (2 / pi) p1 sqrt(|c f - d e|). Right to
 ///   some 2 %, as lenses differ from their designs. Doubted if the sensor would not
