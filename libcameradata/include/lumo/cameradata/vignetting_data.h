@@ -5,9 +5,10 @@
 
 namespace lumo {
 
+/// How VignettingData describes the fall-off. The numbers are written to files.
 enum class VignettingType : int {
-    None = 0,
-    Polynomial = 1,
+    None = 0,       ///< not at all
+    Polynomial = 1, ///< see VignettingData
 };
 
 /// The fall-off of brightness towards the image corners: a polynomial in the

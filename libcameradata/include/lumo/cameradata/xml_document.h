@@ -29,9 +29,9 @@ class QDomDocument;
 /// input's size to that while it lasts.
 namespace lumo::xml {
 
-inline constexpr int kMaxDepth = 256;
+inline constexpr int kMaxDepth = 256;                   ///< elements in elements
 inline constexpr int kMaxTextLength = 16 * 1024 * 1024; ///< UTF-16 units
-inline constexpr int kMaxAttributes = 1000;
+inline constexpr int kMaxAttributes = 1000;             ///< of one element
 
 /// Whether the functions below would take these bytes, for readers that build
 /// something else than a QDomDocument of them.

@@ -27,6 +27,7 @@ namespace lumo::xml {
 /// \param value  without characters that XML forbids, see invalidCharacter
 LUMO_CAMERADATA_EXPORT void writeValue(
     QXmlStreamWriter& writer, const QString& name, const QString& value);
+/// \param digits  significant ones
 LUMO_CAMERADATA_EXPORT void writeValue(
     QXmlStreamWriter& writer, const QString& name, double value, int digits);
 
@@ -34,6 +35,7 @@ LUMO_CAMERADATA_EXPORT void writeValue(
 /// white space only reads back as empty.
 LUMO_CAMERADATA_EXPORT void writeTag(
     QXmlStreamWriter& writer, const QString& name, const QString& value);
+/// \param digits  significant ones
 LUMO_CAMERADATA_EXPORT void writeTag(
     QXmlStreamWriter& writer, const QString& name, double value, int digits);
 
@@ -52,12 +54,14 @@ template <std::integral T>
     }
 }
 
+/// A whole number or a boolean.
 template <std::integral T>
 void writeValue(QXmlStreamWriter& writer, const QString& name, T value)
 {
     writeValue(writer, name, integralText(value));
 }
 
+/// Likewise as a tag.
 template <std::integral T>
 void writeTag(QXmlStreamWriter& writer, const QString& name, T value)
 {

@@ -63,8 +63,10 @@ namespace lumo::exif {
 ///
 /// A calibration file is one named "sequoia_therm.dat": a text of at most 1 MiB
 /// without NUL bytes. Read are, ignoring case,
+///
 ///     serial: X     serial = X     serial X     "serial": "X",
 ///     <serial>X</serial>           <device serial="X">
+///
 /// on one line, of which the first 4096 bytes count; for `serial` also `serial
 /// number` and `serial no`, with a blank, "_", "-" or nothing between. X has up to
 /// 64 letters, digits, "." and "-", among them a digit other than 0. Several

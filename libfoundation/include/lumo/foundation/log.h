@@ -29,6 +29,7 @@ enum class Level : int {
     Important = 7, ///< errors, and the steps of a conversion
 };
 
+/// One message, as sinks receive it.
 struct Record
 {
     Level level = Level::Info;
@@ -48,7 +49,7 @@ public:
     Sink(const Sink&) = delete;
     Sink& operator=(const Sink&) = delete;
     virtual ~Sink();
-    virtual void write(const Record& record) = 0;
+    virtual void write(const Record& record) = 0; ///< see the class
 };
 
 /// Collects one record and hands it to the sinks when it is destroyed, at the
@@ -84,12 +85,17 @@ private:
 
 // The default arguments are taken where the function is called, so a record
 // names its origin without a macro.
+
+/// Begins a record of Level::Debug.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
 debug(const char* file = __builtin_FILE(), int line = __builtin_LINE());
+/// Begins a record of Level::Info.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
 info(const char* file = __builtin_FILE(), int line = __builtin_LINE());
+/// Begins a record of Level::Warning.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
 warning(const char* file = __builtin_FILE(), int line = __builtin_LINE());
+/// Begins a record of Level::Important.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
 important(const char* file = __builtin_FILE(), int line = __builtin_LINE());
 /// The beginning of a conversion's step: as important as an error in a log file,

@@ -8,18 +8,21 @@
 /// What of this machine the process may use, and what says so.
 namespace lumo::system {
 
+/// What sets a limit.
 enum class LimitSource {
     Host,     ///< what the machine has
     Affinity, ///< the processors that the process is bound to, as by taskset or a cpuset
     Cgroup,   ///< a control group of the process or one above it, as of a container
 };
 
+/// A number of logical processors, and what sets it.
 struct CpuLimit
 {
     int cpus = 1;
     LimitSource source = LimitSource::Host;
 };
 
+/// An amount of memory, and what sets it.
 struct MemoryLimit
 {
     std::uint64_t bytes = 0;

@@ -18,7 +18,7 @@ template <typename Scalar, int kDimension>
 class GaussNoiseDiagonal
 {
 public:
-    using Vector = Eigen::Matrix<Scalar, kDimension, 1>;
+    using Vector = Eigen::Matrix<Scalar, kDimension, 1>; ///< a sample, or a number per axis
 
     static constexpr Scalar kDefaultMinimumDeterminant = Scalar(0.01);
     static constexpr Scalar kDefaultMaximumDeterminant = Scalar(1e256);

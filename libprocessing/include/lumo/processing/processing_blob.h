@@ -68,7 +68,7 @@ public:
     /// The last report, passed on or not.
     [[nodiscard]] Progress progress() const;
 
-    using ListenerId = int;
+    using ListenerId = int; ///< what addListener() gives and removeListener() takes
     /// \throws std::invalid_argument if the listener is empty
     [[nodiscard]] ListenerId addListener(Listener listener);
     /// Once this returns the listener is not called any more. Does nothing if

@@ -20,6 +20,7 @@ enum class RigKey : int {
     ExifString = 2,      ///< camera identification in the metadata of its images
 };
 
+/// All of them, in the order of their numbers.
 inline constexpr std::array<RigKey, 3> kRigKeys{
     RigKey::SerialNumber, RigKey::DetectionString, RigKey::ExifString};
 

@@ -23,6 +23,7 @@ class CameraModelDb;
 class LUMO_CORE_EXPORT RigDBIterator
 {
 public:
+    /// A rig, and where it came from. Valid as long as the store keeps the rig.
     struct Item
     {
         const RigModel& rig; ///< the store's own; its `source` is as stored

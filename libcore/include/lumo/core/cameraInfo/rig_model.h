@@ -30,6 +30,7 @@ template <typename Attr>
 class RigImpl
 {
 public:
+    /// A camera other than the reference camera, and how it stands to that.
     struct Secondary
     {
         Attr attributes;

@@ -15,6 +15,7 @@ namespace lumo::cuda {
 /// 0 if there is no device or no driver.
 [[nodiscard]] LUMO_CORE_EXPORT int getDeviceCount();
 
+/// As the driver names it, such as its product name.
 [[nodiscard]] LUMO_CORE_EXPORT std::string getDeviceName(int device);
 
 /// In MHz.

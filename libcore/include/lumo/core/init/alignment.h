@@ -30,6 +30,7 @@ namespace text {
 [[nodiscard]] LUMO_CORE_EXPORT QString toString(Degeneracy degeneracy);
 } // namespace text
 
+/// How align() searches. The defaults serve unless far more pairs are wrong.
 struct AlignmentOptions
 {
     double outlierRatio = 0.3; ///< assumed share of wrong pairs, in [0, 1)
@@ -43,14 +44,14 @@ inline constexpr double kInlierWeight = 0.5;
 /// The similarity transform that takes points 2 to points 1, and how well.
 struct Alignment
 {
-    math::RigidTransform3D transform;
-    std::vector<double> weights; ///< a pair: how much it counts as an inlier, in [0, 1]
+    math::RigidTransform3D transform; ///< from points 2 to points 1
+    std::vector<double> weights;      ///< a pair: how much it counts as an inlier, in [0, 1]
     /// point 1 - transform(point 2), in the unit of points 1.
     std::vector<Eigen::Vector3d> residuals;
-    double inlierRatio = 0.0; ///< mean weight
-    std::size_t inliers = 0;  ///< pairs of kInlierWeight and more
-    double rmsInliers = 0.0;  ///< root mean square length of their residuals
-    Degeneracy degeneracy = Degeneracy::None;
+    double inlierRatio = 0.0;                 ///< mean weight
+    std::size_t inliers = 0;                  ///< pairs of kInlierWeight and more
+    double rmsInliers = 0.0;                  ///< root mean square length of their residuals
+    Degeneracy degeneracy = Degeneracy::None; ///< of the inliers
 };
 
 /// Aligns two point sets with OptimiseRigidTransform3D, and looks at what the

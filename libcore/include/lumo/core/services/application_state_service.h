@@ -33,6 +33,7 @@ class LUMO_CORE_EXPORT ApplicationStateService : public QObject, public Service
     Q_OBJECT
 
 public:
+    /// The coarse state. Processing a project has three steps.
     enum class State : std::int32_t {
         Started = 0,
         ProjectLoading = 1,

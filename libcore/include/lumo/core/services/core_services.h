@@ -50,9 +50,13 @@ private:
 // The services of CoreServices::instance(). What each may be asked from which
 // thread stands with its class.
 
+/// CoreServices::applicationState() of the process.
 [[nodiscard]] LUMO_CORE_EXPORT ApplicationStateService& serviceApplicationState();
+/// CoreServices::progressStatus() of the process.
 [[nodiscard]] LUMO_CORE_EXPORT ProgressStatusService& serviceProgress();
+/// CoreServices::statusBar() of the process.
 [[nodiscard]] LUMO_CORE_EXPORT StatusBarService& serviceStatusBar();
+/// CoreServices::cameraModelService() of the process.
 [[nodiscard]] LUMO_CORE_EXPORT CameraModelService& serviceCamDB();
 
 } // namespace lumo

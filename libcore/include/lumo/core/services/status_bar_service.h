@@ -35,11 +35,11 @@ public:
     void clear();
 
 Q_SIGNALS:
-    void signalSetProgress(int step, int min, int max, QString msg);
-    void signalSetMessage(QString msg);
-    void signalFlashMessage(QString msg, float timeout);
-    void signalBusyMessage(QString msg);
-    void signalClear();
+    void signalSetProgress(int step, int min, int max, QString msg); ///< by setProgress()
+    void signalSetMessage(QString msg);                              ///< by setMessage()
+    void signalFlashMessage(QString msg, float timeout);             ///< by flashMessage()
+    void signalBusyMessage(QString msg);                             ///< by busyMessage()
+    void signalClear();                                              ///< by clear()
 };
 
 } // namespace lumo

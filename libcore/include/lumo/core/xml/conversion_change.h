@@ -8,6 +8,7 @@ namespace lumo {
 /// One thing that a conversion step did to a document.
 struct ConversionChange
 {
+    /// What was done.
     enum class Kind {
         Renamed,   ///< an element or attribute has another name
         Moved,     ///< an element stands elsewhere, under the same name

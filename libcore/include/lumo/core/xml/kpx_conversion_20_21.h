@@ -21,6 +21,7 @@ namespace lumo {
 class LUMO_CORE_EXPORT KpxConversion20_21 : public IXmlConversion
 {
 public:
+    /// Which kind of document the step takes.
     enum class Mode : int { Project = 0, Template = 1 };
 
     explicit KpxConversion20_21(Mode mode);

@@ -18,7 +18,7 @@ namespace lumo {
 class LUMO_CORE_EXPORT XsdTypeElementIndex
 {
 public:
-    using Positions = std::map<QString, int>;
+    using Positions = std::map<QString, int>; ///< by element name, from 0
 
     /// Reads the schema; the file stays open as long as the index lives.
     /// \throws std::runtime_error "Xsd file could not be opened", "Error parsing
