@@ -13,7 +13,10 @@ namespace lumo::program {
 void sayFailure(const QString& file, const QString& reason)
 {
     hideProgressBar();
-    std::fputs(QStringLiteral("lumo: %1: %2\n").arg(file, reason).toUtf8().constData(), stderr);
+    // Some reasons name the file themselves.
+    const QString name = file + QStringLiteral(": ");
+    const QString rest = reason.startsWith(name) ? reason.mid(name.size()) : reason;
+    std::fputs((QStringLiteral("lumo: ") + name + rest + QLatin1Char('\n')).toUtf8(), stderr);
 }
 
 void sayRemark(const QString& file, const QString& remark)
