@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/camera_db_selftest.h"
-#include "lumo/core/cameraInfo/camera_model_db.h"
 #include "test_cameras.h"
+#include "test_database.h"
 
 #include <gtest/gtest.h>
 
@@ -11,14 +11,8 @@ namespace {
 /// The findings about cameras alone, as "entry: text", a fault with "!" before it.
 QStringList findingsAbout(const std::vector<CameraModelFromDB>& models)
 {
-    cameradb::CameraDBData data;
-    for (const CameraModelFromDB& model : models) {
-        data.cameras.emplace(model.params.name, model);
-    }
-    CameraModelDb database;
-    database.setInternalData(data);
     QStringList lines;
-    for (const DatabaseFinding& finding : checkInternalDatabase(database)) {
+    for (const DatabaseFinding& finding : checkInternalDatabase(databaseWith(models))) {
         lines += (finding.fault ? "!" : "") + finding.entry + ": " + finding.text;
     }
     return lines;

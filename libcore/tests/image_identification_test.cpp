@@ -2,6 +2,7 @@
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/image_identification.h"
 #include "test_cameras.h"
+#include "test_database.h"
 
 #include <gtest/gtest.h>
 
@@ -30,17 +31,6 @@ ExifInfo withFocalPlane(ExifInfo exif, double pixelsPerMm)
 {
     exif.focalPlane = FocalPlaneResolution{pixelsPerMm, pixelsPerMm};
     return exif;
-}
-
-CameraModelDb databaseWith(const std::vector<CameraModelFromDB>& models)
-{
-    cameradb::CameraDBData data;
-    for (const CameraModelFromDB& model : models) {
-        data.cameras.emplace(model.params.name, model);
-    }
-    CameraModelDb db;
-    db.setInternalData(data);
-    return db;
 }
 
 /// Named by its identifier; \p pixelSizeUm micrometres.

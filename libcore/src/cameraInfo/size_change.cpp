@@ -35,23 +35,6 @@ bool sameProportions(PictureSize from, PictureSize to)
 
 } // namespace
 
-QString toString(ImageMode mode)
-{
-    switch (mode) {
-    case ImageMode::Native:
-        return QStringLiteral("native");
-    case ImageMode::Resized:
-        return QStringLiteral("resized");
-    case ImageMode::Cropped:
-        return QStringLiteral("cropped");
-    case ImageMode::Binned:
-        return QStringLiteral("binned");
-    case ImageMode::Unknown:
-        break;
-    }
-    return QStringLiteral("unknown");
-}
-
 SizeChange compareSizes(PictureSize from, PictureSize to)
 {
     SizeChange change;
