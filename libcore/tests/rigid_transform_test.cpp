@@ -2,8 +2,8 @@
 #include "lumo/core/init/lumo_optimize_rigid_transform_3d.h"
 #include "lumo/foundation/log.h"
 #include "lumo/processing/processing_blob.h"
-#include "plain_rigid_estimate.h"
 #include "rigid_scene.h"
+#include "rigid_transform_access.h"
 #include "test_seed.h"
 
 #include <QStringList>
@@ -15,35 +15,6 @@
 
 namespace lumo {
 
-/// The private state and steps that tests look at.
-struct OptimiseRigidTransform3DAccess
-{
-    static void setSolverState(
-        OptimiseRigidTransform3D& estimate, const std::vector<double>& weights,
-        const GaussNoiseDiagonal<double, 3>& noise)
-    {
-        estimate.m_weights = weights;
-        estimate.m_noise = noise;
-    }
-    static const math::RigidTransform3D& transform(const OptimiseRigidTransform3D& estimate)
-    {
-        return estimate.m_transform;
-    }
-    static void setTransform(
-        OptimiseRigidTransform3D& estimate, const math::RigidTransform3D& value)
-    {
-        estimate.m_transform = value;
-    }
-    static double score(const OptimiseRigidTransform3D& estimate, double& threshold)
-    {
-        return estimate.computeScore(0.0, threshold);
-    }
-    static double scoreHist(const OptimiseRigidTransform3D& estimate, double& threshold)
-    {
-        return estimate.computeScoreHist(0.0, threshold);
-    }
-};
-
 namespace {
 
 using Access = OptimiseRigidTransform3DAccess;
@@ -52,181 +23,6 @@ using Points = std::vector<Vector3d>;
 using testing::HasSubstr;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-OptimiseRigidTransform3D estimateOf(const RigidScene& scene, std::mt19937* rng)
-{
-    return {scene.points1, scene.points2, scene.sigmas, rng};
-}
-
-std::vector<double> weightsOf(const OptimiseRigidTransform3D& estimate, std::size_t n)
-{
-    std::vector<double> weights(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        weights[i] = estimate.getWeight(static_cast<int>(i));
-    }
-    return weights;
-}
-
-/// Largest distance between what two transforms make of the points 2, in sigmas.
-double largestError(const RigidScene& scene, const math::RigidTransform3D& transform)
-{
-    double largest = 0.0;
-    for (std::size_t i = 0; i < scene.points2.size(); ++i) {
-        const Vector3d error =
-            transform.transform(scene.points2[i]) - scene.truth.transform(scene.points2[i]);
-        largest = std::max(largest, error.norm() / scene.sigmas[i].maxCoeff());
-    }
-    return largest;
-}
-
-math::RigidTransform3D fitToInliers(const RigidScene& scene)
-{
-    Points some[3];
-    for (std::size_t i = 0; i < scene.points1.size(); ++i) {
-        if (scene.inlier[i]) {
-            some[0].push_back(scene.points1[i]);
-            some[1].push_back(scene.points2[i]);
-            some[2].push_back(scene.sigmas[i]);
-        }
-    }
-    math::RigidTransform3D fit;
-    EXPECT_TRUE(math::transformOptimisation::estimateTransform(some[0], some[1], some[2], fit));
-    return fit;
-}
-
-long countLines(const log::Capture& logged, const char* part)
-{
-    const std::vector<log::Record> records = logged.records();
-    return std::count_if(records.begin(), records.end(), [part](const log::Record& record) {
-        return record.text.contains(part);
-    });
-}
-
-/// The plain procedure with the functions of the library, all rows of them.
-class PlainWithSolver : public PlainRigidEstimate
-{
-public:
-    explicit PlainWithSolver(const RigidScene& scene)
-        : PlainRigidEstimate(scene.points1, scene.points2, scene.sigmas)
-        , m_functions(estimateOf(scene, nullptr))
-    {}
-
-    void compute() { PlainRigidEstimate::compute(solve); }
-
-private:
-    static int solve(void* object, int, int, const double* x, double* f, double* jac, int, int flag)
-    {
-        auto& self = *static_cast<PlainWithSolver*>(static_cast<PlainRigidEstimate*>(object));
-        Access::setSolverState(self.m_functions, self.weights, self.noise);
-        flag == 1 ? self.m_functions.g(x, f) : self.m_functions.dg(x, jac);
-        return 0;
-    }
-
-    OptimiseRigidTransform3D m_functions;
-};
-
-struct Search
-{
-    RigidScene::Kind kind;
-    double ratio;
-};
-
-class RigidTransformSearch : public testing::TestWithParam<Search>
-{};
-
-// Without the lines of each sample, hopeless samples are given up early; with
-// them nothing is. Both must end as the plain procedure does, bit for bit.
-TEST_P(RigidTransformSearch, IsThePlainProcedureToTheLastBit)
-{
-    const auto& [kind, ratio] = GetParam();
-    std::mt19937 rng(testSeed());
-    for (int trial = 0; trial < 5; ++trial) {
-        SCOPED_TRACE(trial);
-        const RigidScene scene(kind, rng);
-        const std::mt19937 before = rng;
-        PlainWithSolver plain(scene);
-        plain.outlierRatio = ratio;
-        plain.init(rng);
-        const PlainWithSolver start = plain;
-        plain.compute();
-        for (const bool logSamples : {false, true}) {
-            std::mt19937 own = before;
-            OptimiseRigidTransform3D estimate = estimateOf(scene, &own);
-            estimate.setOutlierRatio(ratio);
-            estimate.setLogSamples(logSamples);
-            const log::Capture logged;
-            ASSERT_TRUE(estimate.init());
-            ASSERT_EQ(own, rng);
-            ASSERT_EQ(Access::transform(estimate), start.transform);
-            ASSERT_EQ(weightsOf(estimate, kind.n), start.weights);
-            if (logSamples) {
-                EXPECT_EQ(countLines(logged, "computeOutliers median"), start.samples + 1);
-            }
-            estimate.compute();
-            EXPECT_EQ(countLines(logged, "compute noise with tol"), plain.refinements);
-            ASSERT_EQ(Access::transform(estimate), plain.transform);
-            ASSERT_EQ(weightsOf(estimate, kind.n), plain.weights);
-        }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Scenes, RigidTransformSearch,
-    testing::Values(
-        Search{{.n = 5}, 0.3}, Search{{.n = 6, .outlierShare = 0.3}, 0.5},
-        Search{{.n = 129, .outlierShare = 0.4}, 0.3}, Search{{.n = 100}, 0.0},
-        Search{{.n = 300, .outlierShare = 0.5, .anisotropic = true}, 0.5},
-        Search{{.n = 200, .outlierShare = 1.0}, 1.0},
-        Search{{.n = 50, .scale = 1e6, .offset = 5e6}, 0.3}));
-
-class RigidTransformRecovery : public testing::TestWithParam<RigidScene::Kind>
-{};
-
-TEST_P(RigidTransformRecovery, FindsTheTransformAndTheOutliers)
-{
-    const RigidScene::Kind& kind = GetParam();
-    std::mt19937 rng(testSeed());
-    const RigidScene scene(kind, rng);
-    OptimiseRigidTransform3D estimate = estimateOf(scene, &rng);
-    // A little more than there are: at exactly the share the quantile is an outlier's.
-    estimate.setOutlierRatio(kind.outlierShare + 0.1);
-    ASSERT_TRUE(estimate.init());
-    estimate.compute();
-    // A fit to m points is off by some sqrt(7 / m) sigmas, and by more where
-    // the points lie badly, which the fit to the true inliers shows.
-    // Of few points the noise model may take all but three for outliers.
-    const double inliers = (1.0 - kind.outlierShare) * static_cast<double>(kind.n);
-    const double rounding = 1e-14 * (kind.offset / kind.noise);
-    const double bestPossible = largestError(scene, fitToInliers(scene));
-    EXPECT_LT(
-        largestError(scene, estimate.getTransform()),
-        4.0 * bestPossible + (kind.n < 20 ? 40.0 : 6.0 * std::sqrt(7.0 / inliers)) +
-            10.0 * rounding);
-    if (kind.n < 30) {
-        return;
-    }
-    double wrong = 0.0;
-    for (std::size_t i = 0; i < kind.n; ++i) {
-        const double weight = estimate.getWeight(static_cast<int>(i));
-        EXPECT_TRUE(weight >= 0.0 && weight < 1.0) << weight;
-        wrong += (weight > 0.5) != scene.inlier[i] ? 1.0 : 0.0;
-    }
-    EXPECT_LT(wrong, 2.0 + 0.02 * static_cast<double>(kind.n));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Scenes, RigidTransformRecovery,
-    testing::Values(
-        RigidScene::Kind{.n = 5}, RigidScene::Kind{.n = 10, .outlierShare = 0.1},
-        RigidScene::Kind{.n = 100, .outlierShare = 0.3},
-        RigidScene::Kind{.n = 100, .outlierShare = 0.5, .anisotropic = true},
-        RigidScene::Kind{.n = 1000, .outlierShare = 0.5},
-        RigidScene::Kind{.n = 10000, .outlierShare = 0.1},
-        // Coordinates in a national grid, with millimetres of noise.
-        RigidScene::Kind{
-            .n = 200, .outlierShare = 0.3, .noise = 1e-3, .offset = 5e6, .extent = 500.0},
-        RigidScene::Kind{.n = 200, .outlierShare = 0.3, .scale = 1e-6, .noise = 1e-9},
-        RigidScene::Kind{.n = 200, .outlierShare = 0.3, .scale = 1e6, .noise = 1e3}));
 
 TEST(OptimiseRigidTransform3D, NoSampleIsDrawnForAStartThatIsGood)
 {
