@@ -97,6 +97,18 @@ QString reasonOf(Degeneracy degeneracy)
     return {};
 }
 
+/// The same for a result: a wrong pair among few leaves residuals that hide the shape.
+QString reasonOf(const Alignment& alignment)
+{
+    const QString reason = reasonOf(alignment.degeneracy);
+    return alignment.degeneracy == Degeneracy::Collinear &&
+                   alignment.weights.size() < kFewestPairsForOutliers
+               ? reason + QStringLiteral(" (or one of the pairs is wrong: among fewer than %1 "
+                                         "that is not found)")
+                              .arg(kFewestPairsForOutliers)
+               : reason;
+}
+
 /// A share of outliers that little above the assumed one does no harm.
 constexpr double kNotWorthSaying = 0.02;
 
@@ -104,7 +116,7 @@ constexpr double kNotWorthSaying = 0.02;
 void warn(const AlignRequest& request, const Alignment& alignment)
 {
     if (alignment.degeneracy != Degeneracy::None) {
-        sayFailure(request.pointFile, reasonOf(alignment.degeneracy));
+        sayFailure(request.pointFile, reasonOf(alignment));
     }
     const auto pairs = static_cast<double>(alignment.weights.size());
     const double outliers = 1.0 - static_cast<double>(alignment.inliers) / pairs;
@@ -117,14 +129,15 @@ void warn(const AlignRequest& request, const Alignment& alignment)
     }
 }
 
-ExitCode refuse(const AlignRequest& request, Degeneracy degeneracy, const CommonOptions& options)
+ExitCode refuse(
+    const AlignRequest& request, const Alignment& alignment, const CommonOptions& options)
 {
     const QString reason =
-        reasonOf(degeneracy) + QStringLiteral("; --force gives one of the transforms that fit");
+        reasonOf(alignment) + QStringLiteral("; --force gives one of the transforms that fit");
     if (options.json) {
         printJsonLine(
             {{"file", request.pointFile},
-             {"degeneracy", text::toString(degeneracy)},
+             {"degeneracy", text::toString(alignment.degeneracy)},
              {"error", reason}});
     }
     return failed(request.pointFile, reason);
@@ -175,7 +188,7 @@ ExitCode alignPoints(const AlignRequest& request, const CommonOptions& options)
         return failed(request.pointFile, error);
     }
     if (isArbitrary(alignment.degeneracy) && !request.force) {
-        return refuse(request, alignment.degeneracy, options);
+        return refuse(request, alignment, options);
     }
     return give(request, pairs, alignment, options);
 }

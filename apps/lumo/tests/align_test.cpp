@@ -80,6 +80,14 @@ TEST_F(Align, AFreeRollIsRefusedUnlessForced)
     ASSERT_EQ(forced.records().size(), 1u);
     EXPECT_NEAR(forced.records().front()["scale"].toDouble(), 1.0, 1e-9);
     EXPECT_TRUE(forced.err.contains("collinear"));
+    EXPECT_FALSE(forced.err.contains("wrong"));
+    // Of four pairs the last is wrong: nothing tells which, nor the shape.
+    const ProgramRun four = runProgram(
+        {"align", write("x1,y1,z1,x2,y2,z2\n0,0,0,5,5,5\n9,0,0,14,5,5\n0,9,0,5,14,5\n"
+                        "0,0,9,-70,30,90\n")});
+    EXPECT_EQ(four.exitCode, 1);
+    EXPECT_TRUE(four.err.contains("(or one of the pairs is wrong: among fewer than 5 that is "
+                                  "not found)"));
 }
 
 TEST_F(Align, BadInputIsRefusedWithItsLine)

@@ -41,6 +41,9 @@ struct AlignmentOptions
 /// A pair of this weight or more counts as an inlier.
 inline constexpr double kInlierWeight = 0.5;
 
+/// Among so many pairs a wrong one can be found; of fewer all are fitted alike.
+inline constexpr std::size_t kFewestPairsForOutliers = 5;
+
 /// The similarity transform that takes points 2 to points 1, and how well.
 struct Alignment
 {
