@@ -3,6 +3,13 @@
 
 include(GenerateExportHeader)
 
+# LUMO_TEST_EXPORT marks what tests and fuzz targets call beside the public interface:
+# exported from a build that has them, from no other.
+set(LUMO_TEST_ACCESS OFF)
+if(LUMO_BUILD_TESTS OR LUMO_BUILD_FUZZERS)
+    set(LUMO_TEST_ACCESS ON)
+endif()
+
 # lumo_add_library(<name>
 #     HEADERS <file>...    public headers below include/lumo/<name>/
 #     SOURCES <file>...    below src/
@@ -24,6 +31,8 @@ function(lumo_add_library name)
         BASE_DIRS include ${CMAKE_CURRENT_BINARY_DIR}/include
         FILES ${ARG_HEADERS} ${export_header})
     target_include_directories(${target} PRIVATE src)
+    target_compile_definitions(${target}
+        PRIVATE LUMO_TEST_EXPORT=$<$<BOOL:${LUMO_TEST_ACCESS}>:LUMO_${upper}_EXPORT>)
     target_link_libraries(${target}
         PUBLIC ${ARG_PUBLIC}
         PRIVATE ${ARG_PRIVATE}
@@ -60,6 +69,7 @@ function(lumo_add_tests name)
     list(TRANSFORM ARG_UNITS APPEND _test.cpp)
     add_executable(${name}_tests ${ARG_UNITS})
     target_include_directories(${name}_tests PRIVATE src tests)
+    target_compile_definitions(${name}_tests PRIVATE LUMO_TEST_EXPORT=)
     target_link_libraries(${name}_tests
         PRIVATE ${ARG_LINK} lumo_test_support lumo_warnings lumo_sanitizers)
     if(TARGET lumo_${name})

@@ -16,8 +16,7 @@ inline constexpr qint64 kMaxCalibrationBytes = 1 << 20;
 /// that getSerialNumber documents.
 /// \param[out] error  why there is none, in one line; else untouched
 /// \returns empty if the file names none, or several that differ
-/// Exported for the tests.
-[[nodiscard]] LUMO_EXIF_EXPORT QString
+[[nodiscard]] LUMO_TEST_EXPORT QString
 findCalibrationSerialNumber(const QByteArray& content, QString& error);
 
 } // namespace lumo::exif

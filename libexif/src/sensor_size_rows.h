@@ -15,15 +15,15 @@ using SensorSizes = QHash<QString, SensorSize>;
 /// The key under which a camera stands in the table; empty if either part is.
 [[nodiscard]] QString sensorSizeKey(const QString& make, const QString& model);
 
-/// The shipped table as text. This and the next are exported for the tests.
-[[nodiscard]] LUMO_EXIF_EXPORT QByteArray shippedSensorSizes();
+/// The shipped table as text.
+[[nodiscard]] LUMO_TEST_EXPORT QByteArray shippedSensorSizes();
 
 /// Reads lines of make, model, width and height (mm; may be empty), separated by
 /// tabs; empty lines and those that start with "#" are skipped. Of a key that
 /// comes again the first line counts.
 /// \param[out] sizes  replaced on success, untouched on failure
 /// \param[out] error  on failure "line L: reason"
-[[nodiscard]] LUMO_EXIF_EXPORT bool parseSensorSizes(
+[[nodiscard]] LUMO_TEST_EXPORT bool parseSensorSizes(
     const QByteArray& text, SensorSizes& sizes, QString& error);
 
 } // namespace lumo::exif

@@ -17,7 +17,6 @@ namespace lumo::exif {
 
 /// The serial number in the maker block of Phase One and Leaf raw files (IIQ),
 /// which exiv2 does not read; empty if the file has no such block.
-/// Exported for the tests.
-[[nodiscard]] LUMO_EXIF_EXPORT QString readPhaseOneSerialNumber(QIODevice& file);
+[[nodiscard]] LUMO_TEST_EXPORT QString readPhaseOneSerialNumber(QIODevice& file);
 
 } // namespace lumo::exif

@@ -20,14 +20,14 @@ struct CgroupLimits
 /// can be seen, whichever version holds a controller.
 /// \param root  of the tree that holds proc/self and the mount points; "" for the
 ///              machine's own. For tests.
-[[nodiscard]] LUMO_FOUNDATION_EXPORT CgroupLimits cgroupLimits(const QString& root);
+[[nodiscard]] LUMO_TEST_EXPORT CgroupLimits cgroupLimits(const QString& root);
 
 /// \param hostCpus      of the machine
 /// \param affinityCpus  that the process is bound to
-[[nodiscard]] LUMO_FOUNDATION_EXPORT CpuLimit
+[[nodiscard]] LUMO_TEST_EXPORT CpuLimit
 smallestLimit(int hostCpus, int affinityCpus, std::optional<double> cgroupCpus);
 
-[[nodiscard]] LUMO_FOUNDATION_EXPORT MemoryLimit
+[[nodiscard]] LUMO_TEST_EXPORT MemoryLimit
 smallestLimit(std::uint64_t hostBytes, std::optional<std::uint64_t> cgroupBytes);
 
 } // namespace lumo::system

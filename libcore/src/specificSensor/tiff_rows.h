@@ -23,8 +23,7 @@ struct RowRange
 /// \param height  rows that the picture must have; `rows` lies within
 /// \param[in,out] tiff  the file; untouched on failure
 /// \param[out] error  why the file is refused, in one line
-/// Exported for the tests.
-[[nodiscard]] LUMO_CORE_EXPORT bool cutTiffRows(
+[[nodiscard]] LUMO_TEST_EXPORT bool cutTiffRows(
     QByteArray& tiff, quint32 height, RowRange rows, QString& error);
 
 } // namespace lumo

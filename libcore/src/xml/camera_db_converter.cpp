@@ -76,7 +76,7 @@ QByteArray readAll(const QString& path)
 
 } // namespace
 
-class CameraDbConverter::Impl
+class LUMO_CORE_NO_EXPORT CameraDbConverter::Impl
 {
 public:
     QString inputFile;

@@ -62,7 +62,7 @@ QByteArray run(IXmlConversion& conversion, QByteArray& document)
 
 } // namespace
 
-class ParamConverter::Impl
+class LUMO_CORE_NO_EXPORT ParamConverter::Impl
 {
 public:
     QString inputFile;

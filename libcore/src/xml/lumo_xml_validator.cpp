@@ -97,7 +97,7 @@ protected:
     }
 };
 
-class XmlValidator::Impl
+class LUMO_CORE_NO_EXPORT XmlValidator::Impl
 {
 public:
     Impl();
