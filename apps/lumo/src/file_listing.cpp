@@ -1,38 +1,90 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "file_listing.h"
 
+#include "output.h"
+
 #include <QDir>
 #include <QFileInfo>
+
+#include <filesystem>
 
 namespace lumo::program {
 namespace {
 
-void listFolder(
-    const QString& folder, const QSet<QString>& extensions, QStringList& files,
-    const PathFailure& failed)
+/// Below one argument that is a folder.
+class FolderListing
 {
-    const QDir directory(folder);
-    if (!QFileInfo(folder).isReadable() || !QFileInfo(folder).isExecutable()) {
-        failed(folder, QStringLiteral("The folder cannot be read"));
-        return;
-    }
-    const QFileInfoList entries =
-        directory.entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
-    for (const QFileInfo& entry : entries) {
-        if (entry.isDir()) {
-            if (!entry.isSymLink()) {
-                listFolder(entry.filePath(), extensions, files, failed);
+public:
+    FolderListing(const NameFilter& wanted, const PathFailure& failed)
+        : m_wanted(wanted)
+        , m_failed(failed)
+    {}
+
+    void list(const QString& folder)
+    {
+        if (!QFileInfo(folder).isReadable() || !QFileInfo(folder).isExecutable()) {
+            fail(folder, QStringLiteral("The folder cannot be read"));
+            return;
+        }
+        // System: links that lead nowhere, too.
+        const QFileInfoList entries = QDir(folder).entryInfoList(
+            QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System, QDir::Name);
+        for (const QFileInfo& entry : entries) {
+            if (!entry.isDir()) {
+                take(entry);
+            } else if (!entry.isSymLink()) {
+                list(entry.filePath());
             }
-        } else if (extensions.contains(entry.suffix().toLower())) {
-            files.append(entry.filePath());
+        }
+        findUndecodable(folder);
+    }
+
+    [[nodiscard]] const QStringList& files() const { return m_files; }
+    [[nodiscard]] bool foundNothing() const { return m_files.isEmpty() && !m_hasFailed; }
+
+private:
+    /// Qt leaves out what it has no name for, which may be a whole flight.
+    void findUndecodable(const QString& folder)
+    {
+        std::error_code fault;
+        const std::filesystem::path path(QFile::encodeName(folder).toStdString());
+        for (const auto& entry : std::filesystem::directory_iterator(path, fault)) {
+            const QByteArray bytes = QByteArray::fromStdString(entry.path().filename().string());
+            const QString name = QFile::decodeName(bytes);
+            if (QFile::encodeName(name) != bytes && (entry.is_directory(fault) || m_wanted(name))) {
+                fail(QDir(folder).filePath(name), QStringLiteral("The name is not valid UTF-8"));
+            }
         }
     }
-}
+
+    void take(const QFileInfo& entry)
+    {
+        if (!m_wanted(entry.fileName())) {
+            return;
+        }
+        if (!entry.exists()) {
+            fail(entry.filePath(), QStringLiteral("The link leads nowhere"));
+        } else if (entry.isFile()) {
+            m_files.append(entry.filePath());
+        }
+    }
+
+    void fail(const QString& path, const QString& reason)
+    {
+        m_failed(path, reason);
+        m_hasFailed = true;
+    }
+
+    const NameFilter& m_wanted;
+    const PathFailure& m_failed;
+    QStringList m_files;
+    bool m_hasFailed = false;
+};
 
 } // namespace
 
 QStringList listFiles(
-    const QStringList& arguments, const QSet<QString>& extensions, const PathFailure& failed)
+    const QStringList& arguments, const NameFilter& wanted, const PathFailure& failed)
 {
     QStringList files;
     for (const QString& argument : arguments) {
@@ -40,7 +92,12 @@ QStringList listFiles(
         if (!path.exists()) {
             failed(argument, QStringLiteral("No such file or folder"));
         } else if (path.isDir()) {
-            listFolder(argument, extensions, files, failed);
+            FolderListing folder(wanted, failed);
+            folder.list(argument);
+            if (folder.foundNothing()) {
+                sayRemark(argument, QStringLiteral("the folder holds no files of this kind"));
+            }
+            files += folder.files();
         } else {
             files.append(argument);
         }

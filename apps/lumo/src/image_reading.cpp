@@ -6,24 +6,29 @@
 #include "lumo/exif/read_exif_files.h"
 #include "lumo/foundation/system_limits.h"
 
+#include <QFileInfo>
+#include <QSet>
+
 namespace lumo::program {
 namespace {
 
-const QSet<QString>& imageExtensions()
+bool isImageName(const QString& name)
 {
     static const QSet<QString> extensions = {
         "3fr", "arw",  "avif", "bmp", "cr2", "cr3",  "crw",  "dng", "erf", "exv",
         "fff", "heic", "heif", "iiq", "j2k", "jp2",  "jpeg", "jpg", "jxl", "kdc",
         "mef", "mos",  "mrw",  "nef", "nrw", "orf",  "pef",  "png", "raf", "raw",
         "rw2", "rwl",  "sr2",  "srw", "tif", "tiff", "webp", "x3f"};
-    return extensions;
+    // On memory cards macOS keeps its own notes on a file in "._" and its name.
+    return extensions.contains(QFileInfo(name).suffix().toLower()) &&
+           !name.startsWith(QLatin1String("._"));
 }
 
 } // namespace
 
 void readImages(const QStringList& arguments, const ImageRead& read, const PathFailure& failed)
 {
-    const QStringList files = listFiles(arguments, imageExtensions(), failed);
+    const QStringList files = listFiles(arguments, isImageName, failed);
     unsigned long long done = 0;
     const auto take = [&](const exif::FileMetadata& file) {
         if (serviceProgress().shouldStop()) {

@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <stdexcept>
 
@@ -31,6 +32,16 @@ QString kindOf(const ParamConverter& converter)
 bool isLegacy(const ParamConverter& converter)
 {
     return text::versionSmallerThan(converter.getProjectVersion(), QLatin1String(kSchemasSince));
+}
+
+/// Backups that a conversion in place has left beside the project are no projects of
+/// their own; given by name they are files like others.
+bool isProjectName(const QString& name)
+{
+    static const QRegularExpression backup(QStringLiteral("_backup_[0-9._]+\\.kpx$"));
+    return (name.endsWith(QLatin1String(".kpx"), Qt::CaseInsensitive) &&
+            !backup.match(name).hasMatch()) ||
+           name.endsWith(QLatin1String(".tmpl"), Qt::CaseInsensitive);
 }
 
 ExitCode validateOne(const QString& file, const CommonOptions& options)
@@ -71,7 +82,7 @@ ExitCode forEachFile(
         }
         exitCode = failed(file, reason);
     };
-    for (const QString& file : listFiles(paths, {"kpx", "tmpl"}, fail)) {
+    for (const QString& file : listFiles(paths, isProjectName, fail)) {
         if (serviceProgress().shouldStop()) {
             fail(file, QStringLiteral("stopped before this file"));
             break;
