@@ -146,9 +146,25 @@ ExitCode refuse(
 ExitCode write(const QString& path, const QByteArray& content)
 {
     QString error;
-    return path.isEmpty() || file::replaceAtomically(path, content, error)
-               ? AllDone
-               : failed(QStringLiteral("align"), error);
+    return path.isEmpty() || file::replaceAtomically(path, content, error) ? AllDone
+                                                                           : failed(path, error);
+}
+
+/// What is read, or written before, and would be replaced; empty if nothing is.
+QString pathGivenTwice(const AlignRequest& request)
+{
+    const auto whole = [](const QString& path) {
+        const QFileInfo file(path);
+        return file.exists() ? file.canonicalFilePath() : file.absoluteFilePath();
+    };
+    QStringList paths{whole(request.pointFile)};
+    for (const QString& path : {request.jsonFile, request.reportFile}) {
+        if (!path.isEmpty() && paths.contains(whole(path))) {
+            return path;
+        }
+        paths.append(whole(path));
+    }
+    return {};
 }
 
 ExitCode give(
@@ -176,6 +192,9 @@ ExitCode give(
 
 ExitCode alignPoints(const AlignRequest& request, const CommonOptions& options)
 {
+    if (const QString path = pathGivenTwice(request); !path.isEmpty()) {
+        return failed(path, QStringLiteral("would be written over by this run"));
+    }
     PointPairs pairs;
     Alignment alignment;
     QString error;

@@ -14,8 +14,10 @@ namespace lumo::program::camdb {
 [[nodiscard]] ExitCode show(
     const QString& name, const QString& serialNumber, const CommonOptions& options);
 
-/// Makes the camera of an image's metadata the user's.
-[[nodiscard]] ExitCode add(const QString& image, const CommonOptions& options);
+/// Makes the camera of an image's metadata the user's. Of a camera that is known
+/// already only the image's bands are added.
+/// \param overwrite  it replaces the camera that is known
+[[nodiscard]] ExitCode add(const QString& image, bool overwrite, const CommonOptions& options);
 
 /// Removes a camera or rig of the user's.
 [[nodiscard]] ExitCode remove(

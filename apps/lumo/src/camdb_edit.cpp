@@ -6,19 +6,10 @@
 #include "lumo/exif/camera_from_exif.h"
 #include "lumo/exif/read_exif.h"
 
+#include <QJsonObject>
+
 namespace lumo::program::camdb {
-namespace {
-
-/// Loads the databases for a change. Without the user's own a change would
-/// overwrite what did not load.
-bool loadForEditing(CameraModelDb& database)
-{
-    return loadDatabase(database) && database.editingAllowed();
-}
-
-} // namespace
-
-ExitCode add(const QString& image, const CommonOptions& options)
+ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
 {
     CameraModelDb database = openDatabase(options);
     if (!loadForEditing(database)) {
@@ -40,16 +31,28 @@ ExitCode add(const QString& image, const CommonOptions& options)
     if (!exif::getCamera(exif, camera, nullptr, error)) {
         return failed(image, error);
     }
-    const CameraModelFromDB model(camera, QString());
+    const QString& name = camera.params.name;
     CameraModelFromDB held;
-    if (database.findCameraModel(model.params.name, QString(), true, held, false) &&
-        held.equal(model)) {
-        return failed(image, QStringLiteral("'%1' is known already").arg(model.params.name));
+    const bool known = database.findCameraModel(name, QString(), true, held, false);
+    const CameraModelFromDB model(camera, QString());
+    // What is known may have been measured; of an image only its bands are news.
+    if (known && (overwrite ? held.equal(model) : !held.addBands(camera.bands))) {
+        return failed(
+            image, QStringLiteral("'%1' is known already (%2)%3")
+                       .arg(
+                           name, text::toString(held.params.source),
+                           overwrite ? QString() : QStringLiteral(": see --overwrite")));
     }
-    if (!database.setCameraModel(model, true)) {
-        return failed(image, QStringLiteral("'%1' could not be saved").arg(model.params.name));
+    const bool saved =
+        overwrite ? database.setCameraModel(model, true) : database.addCamera(camera, true);
+    if (!saved) {
+        return failed(image, QStringLiteral("'%1' could not be saved").arg(name));
     }
-    printText(model.params.name + QLatin1Char('\n'));
+    if (options.json) {
+        printJsonLine({{"file", image}, {"camera", name}});
+    } else {
+        printText(name + QLatin1Char('\n'));
+    }
     return AllDone;
 }
 

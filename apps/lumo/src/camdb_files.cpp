@@ -28,11 +28,13 @@ ExitCode exportTo(const QString& file, bool internal, const CommonOptions& optio
 {
     CameraModelDb database = openDatabase(options);
     const bool loaded = loadDatabase(database);
+    if (!internal && !loaded) { // nothing may replace a good copy of it
+        return failed(file, QStringLiteral("not written: your own database did not load"));
+    }
     if (!internal && !isTextDb(file)) {
-        if (!CameraDbIo(database).exportUserXML(file)) {
-            return failed(file, QStringLiteral("could not be exported"));
-        }
-        return loaded ? AllDone : SomethingFailed;
+        return CameraDbIo(database).exportUserXML(file)
+                   ? AllDone
+                   : failed(file, QStringLiteral("could not be exported"));
     }
     const cameradb::CameraDBData& data = internal ? database.internalData() : database.userData();
     QString text;
@@ -43,7 +45,7 @@ ExitCode exportTo(const QString& file, bool internal, const CommonOptions& optio
         return failed(file, error);
     }
     if (!file::replaceAtomically(file, text.toUtf8(), error)) {
-        return failed(QStringLiteral("export"), error);
+        return failed(file, error);
     }
     return loaded ? AllDone : SomethingFailed;
 }

@@ -2,6 +2,7 @@
 #include "command_line.h"
 
 #include "align_command.h"
+#include "argument_checks.h"
 #include "camdb_command.h"
 #include "help_format.h"
 #include "identify_command.h"
@@ -18,7 +19,6 @@
 
 #include <limits>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -49,8 +49,26 @@ struct Arguments
     bool internal = false;
 };
 
-QString toQt(const std::string& argument)
+/// Behind "[...]", which CLI11 would take for a list of arguments; files have such names.
+constexpr char kNoList = '\x1f';
+
+/// The arguments as CLI11 takes them for what they are, last first.
+std::vector<std::string> forParser(int argc, char** argv)
 {
+    std::vector<std::string> arguments;
+    for (int i = argc - 1; i > 0; --i) {
+        const std::string argument = argv[i];
+        const bool isList = argument.starts_with('[') && argument.ends_with(']');
+        arguments.push_back(isList ? argument + kNoList : argument);
+    }
+    return arguments;
+}
+
+QString toQt(std::string argument)
+{
+    if (argument.ends_with(kNoList)) {
+        argument.pop_back();
+    }
     return QFile::decodeName(argument.c_str());
 }
 
@@ -71,21 +89,6 @@ std::string versionText()
 }
 
 using Run = std::function<ExitCode()>;
-
-/// Both ends belong to the range.
-template <typename Number>
-CLI::Validator between(Number lowest, Number highest)
-{
-    std::ostringstream text;
-    text << lowest << " to " << highest;
-    return CLI::Range(lowest, highest).description(text.str());
-}
-
-CLI::Validator atLeast(int lowest)
-{
-    return CLI::Range(lowest, std::numeric_limits<int>::max())
-        .description("at least " + std::to_string(lowest));
-}
 
 /// A subcommand that runs `action` if it is the one asked for.
 CLI::App* addCommand(
@@ -123,7 +126,8 @@ void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
         ->add_option(
             "--save", arguments.rigName,
             "Make a rig of your own of this name from the images' own metadata")
-        ->type_name("NAME");
+        ->type_name("NAME")
+        ->check(notEmpty());
     rigCommand->add_option("PATH", arguments.paths, "Image files, or folders with image files")
         ->required();
     rigCommand->add_flag(
@@ -143,7 +147,8 @@ void addSequoiaCommand(CLI::App& app, Run& run, Arguments& arguments)
         ->add_option(
             "--remove-debug-lines", arguments.cutFolder,
             "Write copies of raw images (970 rows) without their debug lines into this folder")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(notEmpty());
 }
 
 void addSerialOption(CLI::App* command, Arguments& arguments)
@@ -152,16 +157,21 @@ void addSerialOption(CLI::App* command, Arguments& arguments)
         ->add_option(
             "--serial", arguments.serialNumber,
             "Serial number of the one body that the camera is for (default: the camera for all)")
-        ->type_name("SERIAL");
+        ->type_name("SERIAL")
+        ->check(notEmpty());
 }
 
 void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
 {
     CLI::App* add = addCommand(
         camdb, run, "add", "Make the camera of an image's metadata one of your own",
-        "lumo camdb add DJI_0001.JPG",
-        [&arguments] { return camdb::add(toQt(arguments.first), arguments.common); });
+        "lumo camdb add DJI_0001.JPG", [&arguments] {
+            return camdb::add(toQt(arguments.first), arguments.overwrite, arguments.common);
+        });
     add->add_option("IMAGE", arguments.first, "Image file with metadata")->required();
+    add->add_flag(
+        "--overwrite", arguments.overwrite,
+        "Replace a camera that is known (default: add the image's bands to it at most)");
 
     CLI::App* remove = addCommand(
         camdb, run, "remove", "Remove a camera or rig of your own",
@@ -276,19 +286,22 @@ void addAlignCommand(CLI::App& app, Run& run, Arguments& arguments)
         ->required();
     command->add_option("--outliers", align.outlierRatio, "Assumed share of wrong pairs")
         ->type_name("R")
-        ->check(between(0.0, 0.99))
+        ->transform(between(0.0, 0.99))
         ->capture_default_str();
     command->add_option("--samples", align.samplePairs, "Pairs per random sample")
         ->type_name("N")
-        ->check(between(3, 1000000))
+        ->transform(between(3, 1000000))
         ->capture_default_str();
     command->add_option("--seed", align.seed, "Seed of the random samples")
         ->type_name("N")
+        ->transform(between<std::uint32_t>(0, std::numeric_limits<std::uint32_t>::max()))
         ->capture_default_str();
     command->add_option("-o", arguments.jsonFile, "Write the result to this JSON file, too")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
     command->add_option("--report", arguments.reportFile, "Write a report to this HTML file")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
     command->add_flag(
         "--force", align.force, "Give a transform even where the points leave it open");
 }
@@ -302,17 +315,17 @@ void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
     constexpr int kMostRamGB = 2097151; // beyond it, an int does not hold the MB
     command->add_option("--max-cpus", arguments.resources.maxCPUs, "CPU threads at most")
         ->type_name("N")
-        ->check(atLeast(1));
+        ->transform(atLeast(1));
     command->add_option("--max-ram-gb", arguments.resources.maxRamGB, "Memory at most, in GB")
         ->type_name("N")
-        ->check(between(1, kMostRamGB));
+        ->transform(between(1, kMostRamGB));
     command
         ->add_option(
             "--disable-gpu", arguments.resources.disabledGpus,
             "Leave out the GPU of this number, the first being 0; may be given again")
         ->type_name("N")
         ->allow_extra_args(false)
-        ->check(atLeast(0));
+        ->transform(atLeast(0));
 }
 
 void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
@@ -333,10 +346,11 @@ void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
         ->add_option(
             "-o", arguments.output,
             "Write the result here (a folder, if there are several files) instead of in place")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
     convert->add_option("--target", arguments.project.target, "Format version to convert to")
         ->type_name("N")
-        ->check(between(0, project::kCurrentVersion))
+        ->transform(between(0, project::kCurrentVersion))
         ->capture_default_str();
     convert
         ->add_option(
@@ -344,6 +358,7 @@ void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
             "Where the old file is kept when it is converted in place: auto (beside it; of "
             "templates in the data folder), none, or this file (a folder, if there are several)")
         ->type_name("auto|none|FILE")
+        ->check(notEmpty())
         ->capture_default_str();
     convert->add_flag(
         "--dry-run", arguments.project.dryRun, "Say what would be done, and write nothing");
@@ -394,13 +409,27 @@ void define(CLI::App& app, Run& run, Request& request, Arguments& arguments)
     app.add_option(
            "--data-dir", arguments.dataDirectory,
            "Folder of your own databases and settings (default: ~/.local/share/lumo)")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(notEmpty());
     addImageCommands(app, run, arguments);
     addSequoiaCommand(app, run, arguments);
     addDatabaseCommands(app, run, arguments);
     addResourcesCommand(app, run, arguments);
     addAlignCommand(app, run, arguments);
     addProjectCommands(app, run, arguments);
+}
+
+/// Says what is wrong with the command line.
+ExitCode sayWrongUsage(const CLI::App& app, const CLI::ParseError& error)
+{
+    // Of a name that it does not know CLI11 says only that another one is missing.
+    const std::vector<std::string> unknown = app.remaining(true);
+    const QString reason =
+        unknown.empty()
+            ? QString::fromLocal8Bit(error.what())
+            : QStringLiteral("'%1' is no command or option here").arg(toQt(unknown.front()));
+    sayUsage(reason);
+    return WrongUsage;
 }
 
 } // namespace
@@ -413,9 +442,12 @@ Request parseCommandLine(int argc, char** argv)
     Run run;
     define(app, run, request, *arguments);
     try {
-        app.parse(argc, argv);
+        app.parse(forParser(argc, argv));
+    } catch (const CLI::Success& asked) { // for help or the version
+        app.exit(asked);
+        return request;
     } catch (const CLI::ParseError& error) {
-        request.exitCode = app.exit(error) == 0 ? AllDone : WrongUsage;
+        request.exitCode = sayWrongUsage(app, error);
         return request;
     }
     arguments->common.dataDirectory =

@@ -31,4 +31,9 @@ bool loadDatabase(CameraModelDb& database)
     return true;
 }
 
+bool loadForEditing(CameraModelDb& database)
+{
+    return loadDatabase(database) && database.editingAllowed();
+}
+
 } // namespace lumo::program

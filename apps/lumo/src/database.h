@@ -14,4 +14,7 @@ namespace lumo::program {
 ///     could be loaded is loaded
 [[nodiscard]] bool loadDatabase(CameraModelDb& database);
 
+/// The same for a change. Where the user's own did not load a change would replace it.
+[[nodiscard]] bool loadForEditing(CameraModelDb& database);
+
 } // namespace lumo::program

@@ -22,7 +22,10 @@ void askForStop(int)
 void catchInterrupt()
 {
     serviceProgress().start();
-    std::signal(SIGINT, askForStop);
+    // A job in the background is started so that Ctrl-C does not reach it.
+    if (std::signal(SIGINT, askForStop) == SIG_IGN) {
+        std::signal(SIGINT, SIG_IGN);
+    }
 }
 
 } // namespace lumo::program

@@ -3,11 +3,13 @@
 #include "interrupt.h"
 #include "lumo/core/services/core_services.h"
 #include "lumo/foundation/log.h"
+#include "output.h"
 #include "progress_bar.h"
 
 #include <QCoreApplication>
 
 #include <clocale>
+#include <exception>
 
 namespace {
 
@@ -33,6 +35,17 @@ void showLog(int verbosity)
     log::addSink(log::makeStderrSink(shown, verbosity > 0));
 }
 
+int run(const lumo::program::Request& request)
+{
+    using namespace lumo::program;
+    const ProgressBar progressBar;
+    try {
+        return request.run();
+    } catch (const std::exception& fault) { // of which no command knows
+        return failed(QStringLiteral("stopped"), QString::fromUtf8(fault.what()));
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -44,11 +57,11 @@ int main(int argc, char** argv)
 
     const lumo::program::Request request = lumo::program::parseCommandLine(argc, argv);
     if (!request.run) {
-        return request.exitCode;
+        return lumo::program::finishOutput() ? request.exitCode : lumo::program::SomethingFailed;
     }
     lumo::CoreServices::instance();
     showLog(request.verbosity);
     lumo::program::catchInterrupt();
-    const lumo::program::ProgressBar progressBar;
-    return request.run();
+    const int exitCode = run(request);
+    return lumo::program::finishOutput() ? exitCode : lumo::program::SomethingFailed;
 }

@@ -6,7 +6,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace lumo::program {
 
@@ -22,6 +24,13 @@ void sayFailure(const QString& file, const QString& reason)
 void sayRemark(const QString& file, const QString& remark)
 {
     sayFailure(file, remark);
+}
+
+void sayUsage(const QString& reason)
+{
+    std::fputs(
+        (QStringLiteral("lumo: ") + reason + QStringLiteral("\nSee lumo --help\n")).toUtf8(),
+        stderr);
 }
 
 ExitCode failed(const QString& what, const QString& reason)
@@ -42,6 +51,19 @@ void printText(const QString& text)
 {
     hideProgressBar();
     std::fputs(text.toUtf8().constData(), stdout);
+}
+
+bool finishOutput()
+{
+    const bool flushed = std::fflush(stdout) == 0;
+    const QString reason = flushed ? QString() : QString::fromLocal8Bit(std::strerror(errno));
+    if (flushed && std::ferror(stdout) == 0) {
+        return true;
+    }
+    sayFailure(
+        QStringLiteral("standard output"),
+        reason.isEmpty() ? QStringLiteral("cannot be written") : reason);
+    return false;
 }
 
 } // namespace lumo::program

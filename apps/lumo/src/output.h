@@ -27,6 +27,9 @@ void sayFailure(const QString& file, const QString& reason);
 /// What the user should know of a file though nothing failed, in the same form.
 void sayRemark(const QString& file, const QString& remark);
 
+/// What is wrong with the command line, and where help is.
+void sayUsage(const QString& reason);
+
 /// Says a failure and is its exit code.
 [[nodiscard]] ExitCode failed(const QString& what, const QString& reason);
 
@@ -34,5 +37,9 @@ void sayRemark(const QString& file, const QString& remark);
 void printJsonLine(const QJsonObject& object);
 
 void printText(const QString& text);
+
+/// Whether all that was printed has reached the standard output stream, at the end.
+/// What did not is said.
+[[nodiscard]] bool finishOutput();
 
 } // namespace lumo::program

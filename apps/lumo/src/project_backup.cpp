@@ -4,6 +4,7 @@
 #include "lumo/foundation/file.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace lumo::program {
 namespace {
@@ -34,10 +35,39 @@ bool sameContent(const QString& one, const QString& other, bool& same, QString& 
 
 } // namespace
 
+bool isSameFile(const QString& one, const QString& other)
+{
+    return QFileInfo(one).canonicalFilePath() == QFileInfo(other).canonicalFilePath();
+}
+
+bool mayBackUp(const QString& file, const QString& backup, QString& error)
+{
+    if (!file::exists(backup)) {
+        return true;
+    }
+    if (isSameFile(file, backup)) {
+        error = QStringLiteral("the backup %1 would be the file itself").arg(backup);
+        return false;
+    }
+    bool same = false;
+    if (!sameContent(file, backup, same, error)) {
+        return false;
+    }
+    if (!same) {
+        error = QStringLiteral("another backup is kept at %1: see --backup").arg(backup);
+    }
+    return same;
+}
+
 bool backUp(const QString& file, const QString& backup, QString& error)
 {
-    const bool there = file::exists(backup);
-    if (!there && (!file::mkdir(file::dirname(backup)) || !file::copy(file, backup, error))) {
+    if (!mayBackUp(file, backup, error)) {
+        return false;
+    }
+    if (file::exists(backup)) {
+        return true;
+    }
+    if (!file::mkdir(file::dirname(backup)) || !file::copy(file, backup, error)) {
         error = QStringLiteral("no backup could be made: ") + error;
         return false;
     }
@@ -46,8 +76,7 @@ bool backUp(const QString& file, const QString& backup, QString& error)
         return false;
     }
     if (!same) {
-        error = there ? QStringLiteral("another backup is kept at %1: see --backup").arg(backup)
-                      : QStringLiteral("the backup %1 is not what was copied").arg(backup);
+        error = QStringLiteral("the backup %1 is not what was copied").arg(backup);
     }
     return same;
 }

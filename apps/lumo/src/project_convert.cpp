@@ -47,11 +47,6 @@ bool isFolder(const QString& path)
     return QFileInfo(path).isDir();
 }
 
-bool isSameFile(const QString& one, const QString& other)
-{
-    return QFileInfo(one).canonicalFilePath() == QFileInfo(other).canonicalFilePath();
-}
-
 QString outputFor(const QString& file, const ConvertRequest& request)
 {
     if (request.output.isEmpty()) {
@@ -136,6 +131,9 @@ ExitCode dryRun(ParamConverter& converter, const Job& job, int target, const Com
 {
     QByteArray result;
     QString error;
+    if (!job.backup.isEmpty() && !mayBackUp(job.file, job.backup, error)) {
+        throw std::runtime_error(error.toStdString());
+    }
     if (!converter.convertInMemory(result, error)) {
         throw std::runtime_error(error.toStdString());
     }
@@ -183,16 +181,21 @@ ExitCode run(ParamConverter& converter, const Job& job, const CommonOptions& opt
     return AllDone;
 }
 
+/// A file that is of the target version is wanted at its output place, too.
 ExitCode nothingToDo(const Job& job, const ConvertRequest& request, const CommonOptions& options)
 {
-    if (!request.output.isEmpty()) {
-        throw std::runtime_error("is of this version already; nothing was written");
+    const bool copied = !request.dryRun && !isSameFile(job.file, job.output);
+    QString error;
+    if (copied && !file::copy(job.file, job.output, error)) {
+        throw std::runtime_error(error.toStdString());
     }
+    const QString output = copied ? job.output : QString();
     if (options.json) {
         printJsonLine(
-            {{"file", job.file}, {"output", ""}, {"backup", ""}, {"steps", QJsonArray()}});
+            {{"file", job.file}, {"output", output}, {"backup", ""}, {"steps", QJsonArray()}});
     } else {
-        printText(QStringLiteral("%1: is of this version already\n").arg(job.file));
+        printText(QStringLiteral("%1: is of this version already%2\n")
+                      .arg(job.file, copied ? QStringLiteral(", copied to ") + output : QString()));
     }
     return AllDone;
 }
@@ -205,12 +208,12 @@ ExitCode convertOne(
     converter.setKpxBackupPath(QStringLiteral("auto"));
     Job job{file, outputFor(file, request), {}};
     job.backup = backupFor(file, job.output, converter, request);
-    if (!converter.needsConversion()) {
-        return nothingToDo(job, request, options);
-    }
     if (file::exists(job.output) && !isSameFile(file, job.output)) {
         throw std::runtime_error(
             QStringLiteral("%1 is there already").arg(job.output).toStdString());
+    }
+    if (!converter.needsConversion()) {
+        return nothingToDo(job, request, options);
     }
     followProgress(converter);
     return request.dryRun ? dryRun(converter, job, request.target, options)

@@ -246,11 +246,14 @@ ExitCode identifyRigs(const QStringList& paths, bool matrix, const CommonOptions
 ExitCode saveRig(const QStringList& paths, const QString& name, const CommonOptions& options)
 {
     CameraModelDb database = openDatabase(options);
-    if (!loadDatabase(database)) {
+    if (!loadForEditing(database)) {
         return SomethingFailed;
     }
     ExitCode exitCode = AllDone;
     const std::vector<Capture> captures = readCaptures(paths, exitCode);
+    if (exitCode != AllDone) { // a rig of what could be read might lack a camera
+        return failed(name, QStringLiteral("not saved: not all images were read"));
+    }
     RigModel rig;
     QString error;
     if (!makeRigFromCaptures(captures, database, name, rig, error)) {
@@ -259,8 +262,13 @@ ExitCode saveRig(const QStringList& paths, const QString& name, const CommonOpti
     if (!database.setRigModel(rig, true)) {
         return failed(name, QStringLiteral("could not be saved"));
     }
-    printText(QStringLiteral("%1: %2 cameras\n").arg(rig.name, QString::number(rig.cameraCount())));
-    return exitCode;
+    if (options.json) {
+        printJsonLine({{"rig", rig.name}, {"cameras", static_cast<int>(rig.cameraCount())}});
+    } else {
+        printText(
+            QStringLiteral("%1: %2 cameras\n").arg(rig.name, QString::number(rig.cameraCount())));
+    }
+    return AllDone;
 }
 
 } // namespace lumo::program

@@ -2,6 +2,7 @@
 #include "program.h"
 
 #include <QFile>
+#include <QJsonArray>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -59,6 +60,48 @@ TEST_F(Camdb, AnAddedCameraIsFoundUntilItIsRemoved)
         EXPECT_EQ(identified(), name);
         EXPECT_EQ(camdb({"remove", name}).exitCode, 0);
     }
+}
+
+TEST_F(Camdb, OfACameraThatIsKnownAnImageTellsBandsAtMost)
+{
+    const auto bandsOf = [this](const QString& name) {
+        return camdb({"show", name, "--json"}).records().front()["bands"].toArray();
+    };
+    const QString rededge = "RedEdge-M_5.5_1280x960";
+    const QJsonArray before = bandsOf(rededge);
+    EXPECT_GT(before.size(), 4);
+    const QString image = samplePath("images/flight_0001_1.tif");
+    const ProgramRun added = camdb({"add", image});
+    EXPECT_EQ(added.exitCode, 1);
+    EXPECT_TRUE(added.err.contains("is known already (internal): see --overwrite"))
+        << added.err.toStdString();
+    EXPECT_EQ(bandsOf(rededge), before);
+    const ProgramRun replaced = camdb({"add", "--overwrite", "--json", image});
+    EXPECT_EQ(replaced.exitCode, 0) << replaced.err.toStdString();
+    EXPECT_EQ(replaced.records().front()["camera"].toString(), rededge);
+    EXPECT_EQ(bandsOf(rededge).size(), 1);
+    // Of one's own camera another band is news.
+    EXPECT_EQ(camdb({"add", samplePath("images/flight_0001_2.tif")}).exitCode, 0);
+    EXPECT_EQ(bandsOf(rededge).size(), 2);
+}
+
+TEST_F(Camdb, AnExportOfWhatDidNotLoadReplacesNothing)
+{
+    EXPECT_EQ(camdb({"import", samplePath("camdb/camdb_16.xml")}).exitCode, 0);
+    for (const char* file : {"copy.xml", "copy.csv"}) {
+        EXPECT_EQ(camdb({"export", path(file)}).exitCode, 0);
+    }
+    const auto sizes = [this] {
+        return std::make_pair(QFile(path("copy.xml")).size(), QFile(path("copy.csv")).size());
+    };
+    const auto before = sizes();
+    ASSERT_TRUE(QFile::resize(path("data/cameraDB/19/ucmdb.xml"), 100));
+    for (const char* file : {"copy.xml", "copy.csv"}) {
+        EXPECT_EQ(camdb({"export", path(file)}).exitCode, 1);
+    }
+    EXPECT_EQ(sizes(), before);
+    EXPECT_EQ(camdb({"export", "--internal", path("copy.csv")}).exitCode, 1); // but written
+    EXPECT_NE(sizes(), before);
 }
 
 TEST_F(Camdb, AFaultIsNamedWithLineAndColumn)

@@ -22,7 +22,7 @@ std::vector<QJsonObject> ProgramRun::records() const
     return result;
 }
 
-ProgramRun runProgram(const QStringList& arguments)
+ProgramRun runProgram(const QStringList& arguments, const QString& output)
 {
     constexpr int kTimeoutMs = 60000;
     static const QTemporaryDir home; // the user's own data are not for tests
@@ -30,6 +30,7 @@ ProgramRun runProgram(const QStringList& arguments)
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home.path());
     QProcess process;
     process.setProcessEnvironment(environment);
+    process.setStandardOutputFile(output);
     process.start(QStringLiteral(LUMO_PROGRAM), arguments);
     ProgramRun run;
     if (process.waitForFinished(kTimeoutMs) && process.exitStatus() == QProcess::NormalExit) {

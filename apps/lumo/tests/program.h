@@ -19,7 +19,8 @@ struct ProgramRun
 };
 
 /// Runs `lumo` with these arguments, waiting at most a minute.
-ProgramRun runProgram(const QStringList& arguments);
+/// \param output  file that takes the standard output stream instead of the result
+ProgramRun runProgram(const QStringList& arguments, const QString& output = {});
 
 /// A path below the sample folder.
 QString samplePath(const QString& name);

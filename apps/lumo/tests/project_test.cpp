@@ -86,6 +86,50 @@ TEST_F(ProjectCommand, ConvertInPlaceKeepsABackup)
     EXPECT_EQ(read(backup), before);
 }
 
+TEST_F(ProjectCommand, NoBackupIsTheFileItself)
+{
+    const QString file = copyOf("projects/field_2.1.43.kpx");
+    const QByteArray before = read(file);
+    const QString link = m_folder.filePath("link.kpx");
+    ASSERT_TRUE(QFile::link(file, link));
+    for (const QString& backup : {file, link, m_folder.path()}) {
+        for (const QStringList& dry : {QStringList(), {"--dry-run"}}) {
+            const ProgramRun run =
+                this->run(QStringList{"convert", "--backup", backup, file} + dry);
+            EXPECT_EQ(run.exitCode, 1);
+            EXPECT_TRUE(run.err.contains("would be the file itself")) << run.err.toStdString();
+        }
+    }
+    EXPECT_EQ(read(file), before);
+}
+
+TEST_F(ProjectCommand, BackupsInAFolderStayWhatTheyAre)
+{
+    copyOf("projects/field_2.1.43.kpx");
+    EXPECT_EQ(run({"convert", m_folder.path()}).exitCode, 0);
+    const QStringList after = files();
+    ASSERT_EQ(after.size(), 2);
+    const QByteArray backup = read(m_folder.filePath(after[1]));
+    EXPECT_EQ(run({"convert", m_folder.path()}).exitCode, 0);
+    EXPECT_EQ(files(), after);
+    EXPECT_EQ(read(m_folder.filePath(after[1])), backup);
+}
+
+TEST_F(ProjectCommand, AnOutputFolderGetsWhatNeedsNoConversionToo)
+{
+    const QString folder = m_folder.filePath("out");
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("out"));
+    const ProgramRun run = this->run(
+        {"convert", "--json", "-o", folder, samplePath("projects/field_2.1.43.kpx"),
+         samplePath("projects/drone_format_3.kpx")});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    ASSERT_EQ(run.records().size(), 2u);
+    EXPECT_EQ(run.records()[1]["output"].toString(), folder + "/drone_format_3.kpx");
+    EXPECT_EQ(
+        read(folder + "/drone_format_3.kpx"), read(samplePath("projects/drone_format_3.kpx")));
+    EXPECT_EQ(this->run({"validate", folder}).exitCode, 0);
+}
+
 TEST_F(ProjectCommand, ALinkStaysOneAndItsTargetIsConverted)
 {
     const QString file = copyOf("projects/field_2.1.43.kpx");

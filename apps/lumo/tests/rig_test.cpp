@@ -50,6 +50,21 @@ TEST(Rig, ALostBandIsSaidAndShownAsAGap)
     EXPECT_EQ(cameras.size(), 5);
 }
 
+TEST(Rig, NoRigIsSavedWhereAnImageCannotBeRead)
+{
+    const QTemporaryDir folder;
+    for (int band = 1; band <= 5; ++band) {
+        const QString name = QStringLiteral("flight_0001_%1.tif").arg(band);
+        ASSERT_TRUE(QFile::copy(samplePath("images/") + name, folder.filePath(name)));
+    }
+    ASSERT_TRUE(QFile::resize(folder.filePath("flight_0001_3.tif"), 20));
+    const QStringList data{"--data-dir", folder.filePath("data")};
+    const ProgramRun run = runProgram(data + QStringList{"rig", "--save", "Four", folder.path()});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains("lumo: Four: not saved")) << run.err.toStdString();
+    EXPECT_EQ(runProgram(data + QStringList{"camdb", "show", "Four"}).exitCode, 1);
+}
+
 TEST(Rig, TheImagesOwnPosesMakeAUserRig)
 {
     const QTemporaryDir folder;

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <system_error>
+#include <type_traits>
+
+namespace lumo::program {
+
+/// A number in decimal; both ends belong to the range. Replaces the text by the number
+/// that it stands for, since CLI11 itself takes 010 for octal.
+template <typename Number>
+CLI::Validator between(Number lowest, Number highest, const std::string& description)
+{
+    const auto check = [=](std::string& text) -> std::string {
+        Number number{};
+        const char* const end = text.data() + text.size();
+        const auto [rest, fault] = std::from_chars(text.data(), end, number);
+        // Written so that what is not a number (nan) is not within.
+        if (fault != std::errc() || rest != end || !(number >= lowest && number <= highest)) {
+            return "'" + text + "' is not a number, " + description;
+        }
+        if constexpr (std::is_integral_v<Number>) {
+            text = std::to_string(number);
+        }
+        return {};
+    };
+    return {check, description};
+}
+
+template <typename Number>
+CLI::Validator between(Number lowest, Number highest)
+{
+    std::ostringstream text;
+    text << lowest << " to " << highest;
+    return between(lowest, highest, text.str());
+}
+
+inline CLI::Validator atLeast(int lowest)
+{
+    return between(lowest, std::numeric_limits<int>::max(), "at least " + std::to_string(lowest));
+}
+
+/// An empty text is a shell variable that was not set: never "not asked for".
+inline CLI::Validator notEmpty()
+{
+    return {
+        [](const std::string& text) { return std::string(text.empty() ? "is empty" : ""); }, ""};
+}
+
+} // namespace lumo::program
