@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/init/alignment.h"
 #include "lumo/core/init/alignment_report.h"
+#include "lumo/core/services/core_services.h"
+#include "lumo/core/services/progress_status_service.h"
 #include "test_seed.h"
 
 #include <QByteArray>
@@ -46,6 +48,23 @@ math::RigidTransform3D makeTransform(double scale, const Vector& translation)
     RotationMatrix rotation;
     rotation.set(0.3, -0.8, 2.1);
     return {rotation, translation, scale};
+}
+
+TEST(Alignment, AStopIsAFailureThatLeavesTheResultAlone)
+{
+    std::mt19937 rng(testSeed());
+    const Problem problem =
+        makeProblem({200, 300, 40}, 0.01, 100, 20, makeTransform(1.0, Vector::Zero()), rng);
+    Alignment found;
+    found.inliers = 7;
+    QString error;
+    serviceProgress().stop();
+    EXPECT_FALSE(align(problem.pairs, {}, found, error));
+    EXPECT_EQ(error, "stopped");
+    EXPECT_EQ(found.inliers, 7u);
+    serviceProgress().start();
+    EXPECT_TRUE(align(problem.pairs, {}, found, error));
+    EXPECT_EQ(found.inliers, 80u);
 }
 
 TEST(Alignment, TheUnitOfTheCoordinatesDoesNotMatter)

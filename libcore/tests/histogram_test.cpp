@@ -72,6 +72,7 @@ TEST(Histogram, NumbersBeyondTheRangeOrNoneAtAll)
     EXPECT_THROW(OpenHistogram().addDatum(1.0), std::logic_error);
     EXPECT_THROW(histogram.reset(0.0, kNaN, 3), std::invalid_argument);
     EXPECT_THROW(histogram.reset(-1e308, 1e308, 3), std::invalid_argument);
+    EXPECT_THROW(histogram.reset(1e307, 1.1e307, 100), std::invalid_argument);
     EXPECT_EQ(histogram.size(), 4u);
 }
 

@@ -65,6 +65,7 @@ TEST(PointPairs, WhatIsWrongIsSaidWithItsLine)
         {header + "1,nan,3,4,5,6\n", "line 2: y1 'nan' is not a number"},
         {header + "1,2,3,inf,5,6\n", "line 2: x2 'inf' is not a number"},
         {header + "1,2,3,1e999,5,6\n", "line 2: x2 '1e999' is not a number"},
+        {header + "1,2,3,4,-1e51,6\n", "line 2: y2 '-1e51' is too large or too small"},
         {withSigmas + "1,2,3,4,5,6,1,0,1\n", "line 2: sy '0' is not positive"},
         {withSigmas + "1,2,3,4,5,6,1,1,-1\n", "line 2: sz '-1' is not positive"},
         {header + QByteArray(70000, '1'), "line 2: is longer than 65536 bytes"}};

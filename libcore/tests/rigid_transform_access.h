@@ -21,6 +21,7 @@ struct OptimiseRigidTransform3DAccess
         estimate.m_weights = weights;
         estimate.m_noise = noise;
     }
+    static void computeNoise(OptimiseRigidTransform3D& estimate) { estimate.computeNoise(1); }
     static const math::RigidTransform3D& transform(const OptimiseRigidTransform3D& estimate)
     {
         return estimate.m_transform;

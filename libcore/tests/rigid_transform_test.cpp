@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 
@@ -225,6 +226,69 @@ TEST(OptimiseRigidTransform3D, NoInputGivesATransformThatIsNotFinite)
             }
         }
     }
+}
+
+TEST(OptimiseRigidTransform3D, AFunctionIsASquareTimesWeightAndInverseVariance)
+{
+    // Centred points 2 are turned by 90 degrees about z, doubled and moved by (1, 2, 3).
+    const Points points2{{1, 0, 0}, {-1, 0, 0}};
+    const Points points1{{10, 10, 10}, {20, 20, 20}}; // centred: (-5, -5, -5), (5, 5, 5)
+    std::mt19937 rng(1);
+    OptimiseRigidTransform3D estimate(points1, points2, {{1, 2, 4}, {1, 1, 1}}, &rng);
+    GaussNoiseDiagonal<double, 3> noise;
+    noise.clear();
+    noise.add({1.0, 2.0, 0.5}, 1.0); // variances 1, 4, 0.25
+    noise.finish();
+    Access::setSolverState(estimate, {0.5, 1.0}, noise);
+    const RotationMatrix turn = [] {
+        RotationMatrix rotation;
+        rotation.setAngleAxis(Vector3d::UnitZ(), 0.0, 1.0);
+        return rotation;
+    }();
+    const Eigen::VectorXd x = math::RigidTransform3D(turn, {1, 2, 3}, 2.0).parameters();
+    Eigen::VectorXd f(6);
+    estimate.g(x.data(), f.data());
+    // Moved points 2: (1, 4, 3) and (1, 0, 3).
+    const Eigen::VectorXd expected = (Eigen::VectorXd(6) << 36.0 * 0.5, 81.0 / 4.0 * 0.5 / 4.0,
+                                      64.0 / 16.0 * 0.5 * 4.0, 16.0, 25.0 / 4.0, 4.0 * 4.0)
+                                         .finished();
+    EXPECT_LT((f - expected).norm(), 1e-12) << f.transpose();
+}
+
+TEST(OptimiseRigidTransform3D, WeightsThatVanishAreAllReset)
+{
+    std::mt19937 rng(testSeed());
+    const RigidScene scene({.n = 6}, rng);
+    OptimiseRigidTransform3D estimate = estimateOf(scene, &rng);
+    ASSERT_TRUE(estimate.init());
+    Access::setSolverState(estimate, std::vector<double>(6, 1e-6), {});
+    const log::Capture logged;
+    Access::computeNoise(estimate);
+    EXPECT_TRUE(logged.contains(log::Level::Warning, "WARNING small weight 6e-06 / nrPoints 6"));
+    EXPECT_GT(weightsOf(estimate, 6).front(), 0.9);
+}
+
+TEST(OptimiseRigidTransform3D, NoResidualIsTooLargeForTheNoiseModel)
+{
+    // Far outliers, a scale of 1e100 and tiny sigmas.
+    Points points1;
+    Points points2;
+    for (int i = 0; i < 20; ++i) {
+        const double sign = i % 2 == 0 ? 1.0 : -1.0;
+        const Vector3d point(std::cos(i / 2), std::sin(i / 2), 0.1 * (i / 2));
+        points1.push_back(sign * point * 1e49);
+        points2.push_back(sign * point * 1e-50);
+    }
+    for (const double sign : {1.0, -1.0}) {
+        points1.push_back(Vector3d::Zero());
+        points2.emplace_back(sign * 1e50, 0.0, 0.0);
+    }
+    std::mt19937 rng(testSeed());
+    OptimiseRigidTransform3D estimate(
+        points1, points2, Points(22, Vector3d::Constant(1e-50)), &rng);
+    ASSERT_TRUE(estimate.init());
+    estimate.compute();
+    EXPECT_TRUE(estimate.getTransform().isFinite());
 }
 
 TEST(OptimiseRigidTransform3D, DerivativesAreThoseOfTheFunctions)

@@ -115,6 +115,30 @@ TEST(OptimiseRigidTransformScaleOrient, OnlyExactAxesGiveAStart)
     EXPECT_EQ(none.getTransform(), math::RigidTransform3D({}, Vector3d::Zero(), 0.5));
 }
 
+TEST(OptimiseRigidTransformScaleOrient, FunctionsAndWeightsAreThoseOfTheErrorModel)
+{
+    // Off by 0.3 rad about x, which no axis of the start mends: the variance is the largest.
+    const Directions first{{0.0, 0.6, 0.8}};
+    const Directions second{
+        {0.0, 0.6 * std::cos(0.3) - 0.8 * std::sin(0.3),
+         0.6 * std::sin(0.3) + 0.8 * std::cos(0.3)}};
+    OptimiseRigidTransformScaleOrient estimate({}, {}, first, second);
+    ASSERT_TRUE(estimate.init());
+    const double variance = 0.001;
+    const Vector3d e = second[0] - first[0];
+    const Vector3d x = Vector3d::Zero();
+    Vector3d f;
+    estimate.g(x.data(), f.data());
+    double p = 1.0;
+    for (Eigen::Index k = 0; k < 3; ++k) {
+        const double root = std::sqrt(2.0 * std::numbers::pi * variance);
+        const double kernel = std::exp(-e[k] * e[k] / (2.0 * variance));
+        EXPECT_NEAR(f[k], -2.0 * std::log(kernel + root * 1e-5), 1e-9) << k;
+        p *= kernel / root;
+    }
+    EXPECT_NEAR(estimate.getOriWeights()[0] / (p / (p + 1e-5)), 1.0, 1e-9);
+}
+
 TEST(OptimiseRigidTransformScaleOrient, DerivativesAreThoseOfTheFunctions)
 {
     std::mt19937 rng(testSeed());

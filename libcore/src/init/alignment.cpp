@@ -3,6 +3,8 @@
 
 #include "init/alignment_geometry.h"
 #include "lumo/core/init/lumo_optimize_rigid_transform_3d.h"
+#include "lumo/core/services/core_services.h"
+#include "lumo/core/services/progress_status_service.h"
 
 #include <Eigen/Geometry>
 
@@ -11,6 +13,7 @@
 #include <limits>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace lumo {
 namespace {
@@ -42,6 +45,11 @@ void check(const AlignmentOptions& options)
     }
 }
 
+bool stopRequested()
+{
+    return serviceProgress().shouldStop();
+}
+
 double extent(const Points& points)
 {
     Eigen::AlignedBox3d box;
@@ -61,6 +69,7 @@ OptimiseRigidTransform3D makeEstimate(const Problem& problem, std::mt19937& gene
     estimate.setOutlierRatio(std::min(1.0, problem.options.outlierRatio + onePair));
     estimate.setNrSample(problem.options.samplePairs);
     estimate.setLogSamples(false);
+    estimate.setStopRequest(stopRequested);
     return estimate;
 }
 
@@ -218,10 +227,18 @@ bool align(
         return false;
     }
     try {
-        return pairs.sigmas.empty()
-                   ? alignWithSigmas(
-                         pairs, estimateSigmas(pairs, options), options, alignment, error)
-                   : alignWithSigmas(pairs, pairs.sigmas, options, alignment, error);
+        Alignment found;
+        QString fault;
+        const bool done =
+            pairs.sigmas.empty()
+                ? alignWithSigmas(pairs, estimateSigmas(pairs, options), options, found, fault)
+                : alignWithSigmas(pairs, pairs.sigmas, options, found, fault);
+        if (!done || stopRequested()) {
+            error = stopRequested() ? QStringLiteral("stopped") : fault;
+            return false;
+        }
+        alignment = std::move(found);
+        return true;
     } catch (const std::exception& fault) { // lists that do not fit, numbers out of range
         error = QString::fromUtf8(fault.what());
         return false;

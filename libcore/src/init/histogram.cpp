@@ -25,10 +25,14 @@ void Histogram::reset(double a, double b, std::size_t binCount)
     }
     const double bins = static_cast<double>(binCount);
     const double width = std::max(high - low, std::numeric_limits<double>::epsilon());
+    const double offset = -(bins * low / width);
+    if (!std::isfinite(offset)) {
+        throw std::invalid_argument("Histogram::reset: the range is too far from 0");
+    }
     m_bins.assign(binCount, 0);
     m_min = low;
     m_max = high;
-    m_offset = -(bins * low / width);
+    m_offset = offset;
     m_scale = bins / width;
 }
 

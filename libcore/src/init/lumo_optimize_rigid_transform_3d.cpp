@@ -4,10 +4,9 @@
 #include "init/rigid_residuals.h"
 #include "lumo/foundation/log.h"
 
-#include <cmath>
-#include <numeric>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace lumo {
 
@@ -15,7 +14,7 @@ namespace {
 
 using Points = std::vector<Eigen::Vector3d>;
 
-// Far from where squares of squares of residuals leave the range of numbers.
+// Squares of coordinates, and of their ratios to sigmas, stay in the range of numbers.
 constexpr double kLargestNumber = 1e50;
 constexpr double kMinimumNoise = 1e-6;
 constexpr double kMaximumNoise = 1e256;
@@ -127,6 +126,11 @@ void OptimiseRigidTransform3D::setNrSample(int count)
 void OptimiseRigidTransform3D::setRandomGenerator(std::mt19937* rng)
 {
     m_rng = rng;
+}
+
+void OptimiseRigidTransform3D::setStopRequest(std::function<bool()> shouldStop)
+{
+    m_shouldStop = std::move(shouldStop);
 }
 
 void OptimiseRigidTransform3D::setLogSamples(bool log)

@@ -147,7 +147,9 @@ bool OptimiseRigidTransformScaleOrient::init()
             sum += m_scales1[i] / m_scales2[i];
         }
         if (std::isnan(sum)) {
-            log::important() << "OptimiseRigidTransformScaleOrient::init() a scale is 0 / 0";
+            log::important()
+                << "OptimiseRigidTransformScaleOrient::init() the mean ratio of the scales "
+                   "is not a number";
             return false;
         }
         m_transform.setScale(sum / static_cast<double>(m_scales1.size()));

@@ -115,6 +115,9 @@ bool readHeader(std::string_view line, Header& header, QString& error)
     return true;
 }
 
+/// Beyond it, and for sigmas below its inverse, nothing can be estimated.
+constexpr double kLargestNumber = 1e50;
+
 bool readNumber(std::string_view cell, std::size_t meaning, double& value, QString& error)
 {
     const std::string_view digits = cell.substr(!cell.empty() && cell.front() == '+' ? 1 : 0);
@@ -130,7 +133,11 @@ bool readNumber(std::string_view cell, std::size_t meaning, double& value, QStri
     if (code != std::errc() || read != end || !std::isfinite(value)) {
         return fail("is not a number");
     }
-    return meaning < kRequired || value > 0.0 || fail("is not positive");
+    if (meaning >= kRequired && value <= 0.0) {
+        return fail("is not positive");
+    }
+    const bool tiny = meaning >= kRequired && value < 1.0 / kLargestNumber;
+    return (std::abs(value) <= kLargestNumber && !tiny) || fail("is too large or too small");
 }
 
 bool readPair(const Cells& cells, const Header& header, PointPairs& pairs, QString& error)

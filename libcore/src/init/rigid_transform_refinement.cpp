@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <tuple>
 
 namespace lumo {
 
@@ -23,6 +24,8 @@ constexpr double kTolerance = 1e-14;
 constexpr double kSmallestWeightSum = 1e-5;
 constexpr std::size_t kFewestForNoise = 4;
 constexpr double kNoDeterminant = 1e256;
+/// Of such a length, in sigmas, a residual is an outlier's, and its square still a number.
+constexpr double kLargestResidual = 1e140;
 
 int solverFunction(
     void* object, int /*m*/, int /*n*/, const double* x, double* f, double* jac,
@@ -72,7 +75,9 @@ void OptimiseRigidTransform3D::initNoise()
     Points residuals;
     residuals.reserve(pairs.size);
     for (std::size_t i = 0; i < pairs.size; ++i) {
-        residuals.push_back(rigidResiduals::normalised(pairs, m_transform, i));
+        const Eigen::Array3d e = rigidResiduals::normalised(pairs, m_transform, i).array();
+        residuals.push_back(
+            e.isFinite().select(e, kLargestResidual).min(kLargestResidual).max(-kLargestResidual));
     }
     std::tie(m_noise, m_pOut) =
         gaussMixtureModel::estimateNoiseAndOutlierProbability(residuals, m_weights);
@@ -153,8 +158,10 @@ void OptimiseRigidTransform3D::compute()
     Eigen::VectorXd x = m_transform.parameters();
     Eigen::VectorXd bestX = x;
     double bestInlierRatio = m_inlierRatio;
-    for (std::uint32_t r = 0; (bestDet >= m_noiseVolumeStop && r < m_maxIterations) || r <= 2;
-         ++r) {
+    const auto goesOn = [this, &bestDet](std::uint32_t r) {
+        return (bestDet >= m_noiseVolumeStop && r < m_maxIterations) || r <= 2;
+    };
+    for (std::uint32_t r = 0; goesOn(r) && !(m_shouldStop && m_shouldStop()); ++r) {
         const rigidResiduals::WithoutZeroWeights active(
             {{m_columns.data(), m_weights.size()}, m_weights.data(), m_noise.inverseVariance()});
         Weighted rows = active.rows();

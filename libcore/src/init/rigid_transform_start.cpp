@@ -167,7 +167,8 @@ void OptimiseRigidTransform3D::runTrials(Trials& trials)
         if (!sample.empty() && estimateTransform(sample)) {
             scoreSample(trials);
         }
-    } while (trials.counter <= m_nrTrials && trials.best >= m_medianStop);
+    } while (trials.counter <= m_nrTrials && trials.best >= m_medianStop &&
+             !(m_shouldStop && m_shouldStop()));
     if (trials.weightsAreOld) {
         static_cast<void>(median(false));
     }

@@ -23,8 +23,8 @@ namespace lumo {
 /// functions may change how it is stored, so that two calls on one object must
 /// never run in parallel. Any int may be used.
 ///
-/// connect() takes constant time on average beside the insertion into one
-/// std::set, blocks() the time of merging the sets.
+/// connect() takes constant time on average; the first query after it inserts into the
+/// std::sets what has come, and blocks() merges them.
 class LUMO_CORE_EXPORT AdjacencyMap
 {
 public:
@@ -47,8 +47,9 @@ public:
     /// Block i as stored at present.
     /// \throws std::runtime_error if there is no such block
     [[nodiscard]] const std::set<int>& getBlock(std::size_t i) const;
-    /// All blocks as stored at present. The reference holds as long as the
-    /// object; what it refers to changes with every call of a function.
+    /// All blocks as stored at present. The reference holds as long as the object;
+    /// connections made later show behind it after the next call of getBlocks(),
+    /// getBlock() or blocks().
     [[nodiscard]] const std::vector<std::set<int>>& getBlocks() const;
 
     /// Removes all blocks.

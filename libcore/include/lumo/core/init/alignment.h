@@ -64,12 +64,14 @@ struct Alignment
 /// the residuals of a first search, so that the unit of the coordinates does not
 /// matter.
 ///
+/// A stop that is asked of the progress service ends it soon.
+///
 /// Fewer than three different points in a set give no more than a translation
 /// and, for two, the direction between them.
 ///
 /// \param[out] alignment  replaced on success, untouched on failure
 /// \param[out] error  on failure the reason (no pairs; numbers out of range; no
-///     finite transform), else untouched
+///     finite transform; "stopped"), else untouched
 /// \throws std::invalid_argument if an option is out of its range
 [[nodiscard]] LUMO_CORE_EXPORT bool align(
     const PointPairs& pairs, const AlignmentOptions& options, Alignment& alignment, QString& error);

@@ -8,6 +8,7 @@
 #include <Eigen/Core>
 
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <vector>
 
@@ -68,14 +69,17 @@ public:
     /// best; what init() leaves in the object and in the generator is the same.
     void setLogSamples(bool log);
 
+    /// Asked after each random sample and before each refinement: true ends init() or
+    /// compute() early, with what has been found so far. At first nothing is asked.
+    void setStopRequest(std::function<bool()> shouldStop);
+
     /// Finds the starting transform. For n = 1 a translation, for n = 2 one
     /// that takes the first point to its partner and the second into its
     /// direction, for n = 3 and 4 the closed-form fit (or what was before, if
     /// the points do not determine one), for more the best of at most 201
-    /// random samples. Reports progress to the progress service, and does not
-    /// ask it whether to stop.
-    /// \returns false, and logs why, without points, or for three and more
-    ///          without a generator
+    /// random samples. Reports progress to the progress service.
+    /// \returns false without points, and, logging why, for three and more without a
+    ///          generator
     [[nodiscard]] bool init();
     /// Refines the transform and the weights. Without init() it starts from the
     /// identity between the centred points. Does nothing without points.
@@ -83,8 +87,8 @@ public:
 
     /// The result, from the caller's points 2 to the caller's points 1.
     [[nodiscard]] math::RigidTransform3D getTransform() const;
-    /// How much pair i counts as an inlier: in [0, 1) after compute() of four
-    /// and more points, 1 for fewer; not checked that i is in range.
+    /// How much pair i counts as an inlier: in [0, 1) after compute(); 1 for all pairs if
+    /// there are fewer than four or none fits. Not checked that i is in range.
     [[nodiscard]] double getWeight(int i) const { return m_weights[static_cast<std::size_t>(i)]; }
     /// The mean weight after compute().
     [[nodiscard]] double inlierRatio() const { return m_inlierRatio; }
@@ -164,7 +168,7 @@ private:
     double m_outlierRatio = 0.3;
     double m_medianStop = 0.5;
     double m_noiseVolumeStop = 0.2;
-    double m_reserved = 100.0;
+    double m_reserved = 100.0; ///< copied with the rest; no step reads it
     std::uint32_t m_nrTrials = 200;
     std::uint32_t m_maxIterations = 20;
     std::uint32_t m_nrTrialCorr = 3;
@@ -180,6 +184,7 @@ private:
     std::mt19937* m_rng = nullptr;
 
     bool m_logSamples = true;
+    std::function<bool()> m_shouldStop;
     /// Centred points 1, centred points 2 and sigmas, each as columns x, y, z
     /// of n numbers: what the loops over all points run along.
     std::vector<double> m_columns;

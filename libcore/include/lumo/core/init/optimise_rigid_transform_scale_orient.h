@@ -58,8 +58,8 @@ public:
 
     /// Sets the scale, and a rotation to start from: the identity if no
     /// direction of the first frame is exactly a coordinate axis.
-    /// \returns false, and logs why, if lists differ in length or both scales of
-    ///          a pair are 0
+    /// \returns false, and logs why, if lists differ in length or the mean ratio of
+    ///          the scales is not a number (0 / 0, or infinities of both signs)
     [[nodiscard]] bool init();
     /// Refines the rotation and the weights, in five calls of the solver.
     void compute();
