@@ -119,6 +119,27 @@ bool copyContent(QFile& source, int target, const QString& targetPath, QString& 
     }
 }
 
+/// Makes a file that is whole the one at `target`, where nothing is yet.
+bool giveName(
+    QTemporaryFile& file, const QString& target, QFileDevice::Permissions permissions,
+    QString& error)
+{
+    if (!file.setPermissions(permissions)) {
+        return fail(target, file.errorString(), error);
+    }
+    if (!flushToDisk(file.handle(), target, error)) {
+        return false;
+    }
+    // Unlike the system's rename this one does not replace what is there.
+    if (!file.rename(target)) {
+        return fail(
+            target, exists(target) ? QStringLiteral("already exists") : file.errorString(), error);
+    }
+    file.setAutoRemove(false);
+    flushFolder(dirname(target));
+    return true;
+}
+
 } // namespace
 
 bool exists(const QString& path)
@@ -191,23 +212,19 @@ bool copy(const QString& source, const QString& target, QString& error)
     if (!out.open()) {
         return fail(target, out.errorString(), error);
     }
-    if (!copyContent(in, out.handle(), target, error)) {
-        return false;
+    return copyContent(in, out.handle(), target, error) &&
+           giveName(out, target, in.permissions(), error);
+}
+
+bool writeNew(
+    const QString& path, const QByteArray& content, QFileDevice::Permissions permissions,
+    QString& error)
+{
+    QTemporaryFile out(join(dirname(path), kTemporaryName));
+    if (!out.open()) {
+        return fail(path, out.errorString(), error);
     }
-    if (!out.setPermissions(in.permissions())) {
-        return fail(target, out.errorString(), error);
-    }
-    if (!flushToDisk(out.handle(), target, error)) {
-        return false;
-    }
-    // Unlike the system's rename this one does not replace what is there.
-    if (!out.rename(target)) {
-        return fail(
-            target, exists(target) ? QStringLiteral("already exists") : out.errorString(), error);
-    }
-    out.setAutoRemove(false);
-    flushFolder(dirname(target));
-    return true;
+    return writeAll(out.handle(), content, path, error) && giveName(out, path, permissions, error);
 }
 
 bool replaceAtomically(const QString& path, const QByteArray& content, QString& error)

@@ -146,7 +146,10 @@ ExitCode writeCutCopies(
 {
     ExitCode exitCode = AllDone;
     unsigned long long written = 0;
+    unsigned long long seen = 0;
     for (const InputImage& image : images) {
+        serviceProgress().setProgress(
+            seen++, images.size(), QStringLiteral("Removing debug lines"));
         if (!hasDebugLines(image)) {
             continue;
         }

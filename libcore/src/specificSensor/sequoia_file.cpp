@@ -7,8 +7,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
-#include <unistd.h>
 
 namespace lumo::sequoia {
 namespace {
@@ -34,25 +32,6 @@ bool readWhole(const QString& path, QByteArray& content, QString& error)
     return false;
 }
 
-/// The file appears whole and only where nothing is yet: unlike the system's
-/// rename, that of QTemporaryFile does not replace.
-bool writeNew(
-    const QString& path, const QByteArray& content, QFileDevice::Permissions permissions,
-    QString& error)
-{
-    QTemporaryFile file(file::join(file::dirname(path), QStringLiteral(".lumo-XXXXXX")));
-    const bool written = file.open() && file.write(content) == content.size() && file.flush() &&
-                         file.setPermissions(permissions) && fsync(file.handle()) == 0;
-    if (!written || !file.rename(path)) {
-        const QString reason =
-            file::exists(path) ? QStringLiteral("already exists") : file.errorString().simplified();
-        error = QStringLiteral("cannot write the copy (%1)").arg(reason);
-        return false;
-    }
-    file.setAutoRemove(false);
-    return true;
-}
-
 } // namespace
 
 bool writeWithoutDebugLines(const QString& source, const QString& target, QString& error)
@@ -60,7 +39,7 @@ bool writeWithoutDebugLines(const QString& source, const QString& target, QStrin
     constexpr RowRange kPicture = {kFirstUsableRow, kUsableHeight};
     QByteArray content;
     return readWhole(source, content, error) && cutTiffRows(content, kRawHeight, kPicture, error) &&
-           writeNew(target, content, QFileInfo(source).permissions(), error);
+           file::writeNew(target, content, QFileInfo(source).permissions(), error);
 }
 
 } // namespace lumo::sequoia

@@ -3,6 +3,7 @@
 
 #include "lumo/foundation/export.h"
 
+#include <QFileDevice>
 #include <QString>
 
 class QByteArray;
@@ -40,6 +41,13 @@ namespace lumo::file {
 /// \param[out] error  on failure "PATH: reason", else untouched
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool copy(
     const QString& source, const QString& target, QString& error);
+
+/// Writes `content` to a path where nothing is yet, not even a dangling link: it
+/// appears there whole and flushed to the disk, or not at all.
+/// \param[out] error  on failure "PATH: reason", else untouched
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool writeNew(
+    const QString& path, const QByteArray& content, QFileDevice::Permissions permissions,
+    QString& error);
 
 /// Makes `content` the file at `path`, as a whole or not at all: it is written
 /// beside it, flushed to the disk and renamed. A link is followed. Mode and

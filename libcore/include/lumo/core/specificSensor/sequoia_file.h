@@ -20,9 +20,9 @@ namespace lumo::sequoia {
 ///
 /// \param target  a path where nothing is yet; the copy appears there whole and
 ///     flushed to the disk, or not at all
-/// \param[out] error  on failure the reason in one line, without a path; else
-///     untouched: the file cannot be read, is of another kind, is damaged, or the
-///     copy cannot be written
+/// \param[out] error  on failure the reason in one line; else untouched: the file
+///     cannot be read, is of another kind, is damaged, or (with its path) the copy
+///     cannot be written
 [[nodiscard]] LUMO_CORE_EXPORT bool writeWithoutDebugLines(
     const QString& source, const QString& target, QString& error);
 
