@@ -116,12 +116,12 @@ constexpr double kNotWorthSaying = 0.02;
 void warn(const AlignRequest& request, const Alignment& alignment)
 {
     if (alignment.degeneracy != Degeneracy::None) {
-        sayFailure(request.pointFile, reasonOf(alignment));
+        sayRemark(request.pointFile, reasonOf(alignment));
     }
     const auto pairs = static_cast<double>(alignment.weights.size());
     const double outliers = 1.0 - static_cast<double>(alignment.inliers) / pairs;
     if (outliers > request.outlierRatio + kNotWorthSaying) {
-        sayFailure(
+        sayRemark(
             request.pointFile,
             QStringLiteral("more outliers (%1 %) than were assumed (%2 %): see --outliers")
                 .arg(100.0 * outliers, 0, 'f', 1)

@@ -14,8 +14,6 @@
 namespace lumo::program::camdb {
 namespace {
 
-constexpr double kMicrometresPerMillimetre = 1000.0;
-
 QJsonArray bandNames(const std::vector<bands_t>& configs)
 {
     QJsonArray result;
@@ -124,46 +122,79 @@ std::vector<RigModel> allRigs(const CameraModelDb& database)
     return result;
 }
 
-/// A value in one line; the items of a list are separated.
-QString valueText(const QJsonValue& value, const QString& separator)
+QString number(double value)
 {
-    if (!value.isArray()) {
-        return value.toVariant().toString();
-    }
+    return QString::number(shownNumber(value), 'g', 12);
+}
+
+QString bandText(const std::vector<bands_t>& configs)
+{
     QStringList items;
-    for (const QJsonValue item : value.toArray()) {
-        items.append(valueText(item, QStringLiteral(", ")));
+    for (const bands_t& bands : configs) {
+        items.append(bands.names().join(QStringLiteral(", ")));
     }
-    return items.join(separator);
+    return items.join(QStringLiteral("; "));
 }
 
-/// A "field: value" line for each field of a record, indented; the records that a
-/// field holds follow it one by one.
-QString details(const QJsonObject& record, const QString& indent)
+QString toText(const CameraModelFromDB& model)
 {
-    QString text;
-    for (auto field = record.begin(); field != record.end(); ++field) {
-        const QJsonArray items = field->toArray();
-        if (items.isEmpty() || !items.first().isObject()) {
-            text += indent + field.key() + QStringLiteral(": ") +
-                    valueText(*field, QStringLiteral("; ")) + QLatin1Char('\n');
-            continue;
-        }
-        for (int i = 0; i < items.size(); ++i) {
-            text += indent + QStringLiteral("%1 %2:\n").arg(field.key()).arg(i) +
-                    details(items[i].toObject(), indent + QStringLiteral("  "));
-        }
-    }
-    return text;
+    const CameraParams& params = model.params;
+    return formatTable(
+        {{"what", "value"},
+         {"camera", params.name},
+         {"serial number", model.serialNumber},
+         {"source", text::toString(params.source)},
+         {"identifier of images", model.exifId.isEmpty() ? params.name : model.exifId},
+         {"size (pixels)", QStringLiteral("%1x%2").arg(params.imageWidth).arg(params.imageHeight)},
+         {"pixel size (um)", number(params.pixelSize * kMicrometresPerMillimetre)},
+         {"principal point (mm)",
+          number(params.principalPointXMm) + QLatin1Char(' ') + number(params.principalPointYMm)},
+         {"lens", lensText(params.lensType)},
+         {"focal length (mm)", number(params.perspective.focalLengthMm)},
+         {"shutter model", QString::number(params.shutterModel)},
+         {"line read-out time (ms)", number(params.lineReadoutTime)},
+         {"bands", bandText(model.bandConfigs)}});
 }
 
-void print(const QJsonObject& record, bool json)
+QString numbers(double x, double y, double z)
 {
-    if (json) {
-        printJsonLine(record);
-    } else {
-        printText(details(record, QString()));
+    return number(x) + QLatin1Char(' ') + number(y) + QLatin1Char(' ') + number(z);
+}
+
+QStringList toRow(const RigModel& rig, std::size_t i)
+{
+    const RigModelCameraAttr& camera = rig.attr(i);
+    QStringList row{
+        camera.name,
+        camera.enabled() ? QStringLiteral("yes") : QStringLiteral("no"),
+        camera[RigKey::ExifString],
+        camera[RigKey::SerialNumber],
+        camera[RigKey::DetectionString],
+        camera.bands().names().join(QStringLiteral(", "))};
+    if (i == rig.refCameraIndex) {
+        return row + QStringList{QStringLiteral("reference"), QString()};
     }
+    const rig_relatives_t& pose = rig.secondaries[rig.secCameraIndex(i)].relatives;
+    return row + QStringList{
+                     numbers(pose.rotX, pose.rotY, pose.rotZ),
+                     numbers(pose.transl.x(), pose.transl.y(), pose.transl.z())};
+}
+
+QString toText(const RigModel& rig, CameraSource source)
+{
+    std::vector<QStringList> cameras{
+        {"camera", "enabled", "identifier of images", "serial number", "part of the file name",
+         "bands", "rotation (degrees)", "translation"}};
+    for (std::size_t i = 0; i < rig.cameraCount(); ++i) {
+        cameras.push_back(toRow(rig, i));
+    }
+    return formatTable(
+               {{"what", "value"},
+                {"rig", rig.name},
+                {"source", text::toString(source)},
+                {"cameras are told by", text::toString(rig.cameraDetection)},
+                {"processing mode", text::toString(rig.processingMode)}}) +
+           QLatin1Char('\n') + formatTable(cameras);
 }
 
 } // namespace
@@ -203,9 +234,9 @@ ExitCode show(const QString& name, const QString& serialNumber, const CommonOpti
     CameraModelFromDB model;
     RigModel rig;
     if (database.findCameraModel(name, serialNumber, true, model, false)) {
-        print(toJson(model), options.json);
+        options.json ? printJsonLine(toJson(model)) : printText(toText(model));
     } else if (serialNumber.isEmpty() && database.findRigModel(name, rig, false)) {
-        print(toJson(rig, rig.source), options.json);
+        options.json ? printJsonLine(toJson(rig, rig.source)) : printText(toText(rig, rig.source));
     } else {
         sayFailure(name, QStringLiteral("no camera or rig of this name"));
         return SomethingFailed;

@@ -7,6 +7,9 @@
 
 namespace lumo::program {
 
+/// Pixel sizes are kept in mm and shown in um.
+constexpr double kMicrometresPerMillimetre = 1000.0;
+
 /// "perspective", "fisheye" or "spherical".
 [[nodiscard]] QString lensText(LensType type);
 

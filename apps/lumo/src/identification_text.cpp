@@ -9,8 +9,6 @@
 namespace lumo::program {
 namespace {
 
-constexpr double kMicrometresPerMillimetre = 1000.0;
-
 /// What a claim rests on, or why it was thrown out.
 QString remark(const PixelSizeClaim& claim)
 {

@@ -17,8 +17,6 @@
 namespace lumo::program {
 namespace {
 
-constexpr double kMicrometresPerMillimetre = 1000.0;
-
 QString sourceText(const ImageIdentification& found)
 {
     return found.source ? text::toString(*found.source) : QStringLiteral("none");

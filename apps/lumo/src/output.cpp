@@ -23,7 +23,7 @@ void sayFailure(const QString& file, const QString& reason)
 
 void sayRemark(const QString& file, const QString& remark)
 {
-    sayFailure(file, remark);
+    sayFailure(file, QStringLiteral("note: ") + remark);
 }
 
 void sayUsage(const QString& reason)

@@ -24,7 +24,7 @@ enum ExitCode : int {
 /// "lumo: FILE: reason" on the standard error stream.
 void sayFailure(const QString& file, const QString& reason);
 
-/// What the user should know of a file though nothing failed, in the same form.
+/// "lumo: FILE: note: remark": what the user should know though nothing failed.
 void sayRemark(const QString& file, const QString& remark);
 
 /// What is wrong with the command line, and where help is.
