@@ -193,7 +193,7 @@ ExitCode give(
 ExitCode alignPoints(const AlignRequest& request, const CommonOptions& options)
 {
     if (const QString path = pathGivenTwice(request); !path.isEmpty()) {
-        return failed(path, QStringLiteral("would be written over by this run"));
+        return failed(path, QStringLiteral("would be written over by this run"), options);
     }
     PointPairs pairs;
     Alignment alignment;
@@ -201,10 +201,7 @@ ExitCode alignPoints(const AlignRequest& request, const CommonOptions& options)
     const AlignmentOptions settings{request.outlierRatio, request.samplePairs, request.seed};
     if (!readPointPairs(request.pointFile, pairs, error) ||
         !align(pairs, settings, alignment, error)) {
-        if (options.json) {
-            printJsonLine({{"file", request.pointFile}, {"error", error}});
-        }
-        return failed(request.pointFile, error);
+        return failed(request.pointFile, error, options);
     }
     if (isArbitrary(alignment.degeneracy) && !request.force) {
         return refuse(request, alignment, options);

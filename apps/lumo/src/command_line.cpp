@@ -120,18 +120,24 @@ void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
             const QStringList paths = toQt(arguments.paths);
             return arguments.rigName.empty()
                        ? identifyRigs(paths, arguments.matrix, arguments.common)
-                       : saveRig(paths, toQt(arguments.rigName), arguments.common);
+                       : saveRig(
+                             paths, toQt(arguments.rigName), arguments.overwrite, arguments.common);
         });
+    CLI::Option* save = rigCommand
+                            ->add_option(
+                                "--save", arguments.rigName,
+                                "Make a rig of your own of this name from the images' own metadata")
+                            ->type_name("NAME")
+                            ->check(notEmpty());
     rigCommand
-        ->add_option(
-            "--save", arguments.rigName,
-            "Make a rig of your own of this name from the images' own metadata")
-        ->type_name("NAME")
-        ->check(notEmpty());
+        ->add_flag("--overwrite", arguments.overwrite, "With --save: replace a rig of this name")
+        ->needs(save);
     rigCommand->add_option("PATH", arguments.paths, "Image files, or folders with image files")
         ->required();
-    rigCommand->add_flag(
-        "--matrix", arguments.matrix, "Show captures against the rig's cameras, with gaps");
+    rigCommand
+        ->add_flag(
+            "--matrix", arguments.matrix, "Show captures against the rig's cameras, with gaps")
+        ->excludes(save);
 }
 
 void addSequoiaCommand(CLI::App& app, Run& run, Arguments& arguments)

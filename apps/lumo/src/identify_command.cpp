@@ -103,11 +103,7 @@ ExitCode identify(const QStringList& paths, bool explain, const CommonOptions& o
         }
     };
     const auto fail = [&exitCode, &options](const QString& path, const QString& reason) {
-        sayFailure(path, reason);
-        if (options.json) {
-            printJsonLine({{"file", path}, {"error", reason}});
-        }
-        exitCode = SomethingFailed;
+        exitCode = failed(path, reason, options);
     };
     readImages(paths, identifyOne, fail);
     if (table.size() > 1) {

@@ -39,6 +39,14 @@ ExitCode failed(const QString& what, const QString& reason)
     return SomethingFailed;
 }
 
+ExitCode failed(const QString& file, const QString& reason, const CommonOptions& options)
+{
+    if (options.json) {
+        printJsonLine({{"file", file}, {"error", reason}});
+    }
+    return failed(file, reason);
+}
+
 void printJsonLine(const QJsonObject& object)
 {
     const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';

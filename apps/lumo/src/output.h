@@ -33,6 +33,10 @@ void sayUsage(const QString& reason);
 /// Says a failure and is its exit code.
 [[nodiscard]] ExitCode failed(const QString& what, const QString& reason);
 
+/// The same of a file; with --json there is a record of it, too.
+[[nodiscard]] ExitCode failed(
+    const QString& file, const QString& reason, const CommonOptions& options);
+
 /// The object as one line on the standard output stream.
 void printJsonLine(const QJsonObject& object);
 

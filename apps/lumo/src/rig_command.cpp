@@ -215,14 +215,15 @@ bool sayMismatches(const std::vector<Row>& rows)
     return none;
 }
 
-std::vector<Capture> readCaptures(const QStringList& paths, ExitCode& exitCode)
+std::vector<Capture> readCaptures(
+    const QStringList& paths, const CommonOptions& options, ExitCode& exitCode)
 {
     std::vector<InputImage> images;
     readImages(
         paths,
         [&images](const QString& file, const ExifInfo& exif) { images.emplace_back(file, exif); },
-        [&exitCode](const QString& path, const QString& reason) {
-            exitCode = failed(path, reason);
+        [&exitCode, &options](const QString& path, const QString& reason) {
+            exitCode = failed(path, reason, options);
         });
     return groupCaptures(images);
 }
@@ -233,7 +234,7 @@ ExitCode identifyRigs(const QStringList& paths, bool matrix, const CommonOptions
 {
     CameraModelDb database = openDatabase(options);
     ExitCode exitCode = loadDatabase(database) ? AllDone : SomethingFailed;
-    const std::vector<Capture> captures = readCaptures(paths, exitCode);
+    const std::vector<Capture> captures = readCaptures(paths, options, exitCode);
     const std::vector<RigIdentification> found = lumo::identifyRigs(captures, database);
     std::vector<Row> rows;
     for (std::size_t i = 0; i < captures.size(); ++i) {
@@ -243,24 +244,28 @@ ExitCode identifyRigs(const QStringList& paths, bool matrix, const CommonOptions
     return sayMismatches(rows) ? exitCode : SomethingFailed;
 }
 
-ExitCode saveRig(const QStringList& paths, const QString& name, const CommonOptions& options)
+ExitCode saveRig(
+    const QStringList& paths, const QString& name, bool overwrite, const CommonOptions& options)
 {
     CameraModelDb database = openDatabase(options);
     if (!loadForEditing(database)) {
         return SomethingFailed;
     }
-    ExitCode exitCode = AllDone;
-    const std::vector<Capture> captures = readCaptures(paths, exitCode);
-    if (exitCode != AllDone) { // a rig of what could be read might lack a camera
-        return failed(name, QStringLiteral("not saved: not all images were read"));
-    }
     RigModel rig;
+    if (!overwrite && database.findRigModel(name, rig, false)) {
+        return failed(name, QStringLiteral("is known already: see --overwrite"), options);
+    }
+    ExitCode exitCode = AllDone;
+    const std::vector<Capture> captures = readCaptures(paths, options, exitCode);
+    if (exitCode != AllDone) { // a rig of what could be read might lack a camera
+        return failed(name, QStringLiteral("not saved: not all images were read"), options);
+    }
     QString error;
     if (!makeRigFromCaptures(captures, database, name, rig, error)) {
-        return failed(name, error);
+        return failed(name, error, options);
     }
     if (!database.setRigModel(rig, true)) {
-        return failed(name, QStringLiteral("could not be saved"));
+        return failed(name, QStringLiteral("could not be saved"), options);
     }
     if (options.json) {
         printJsonLine({{"rig", rig.name}, {"cameras", static_cast<int>(rig.cameraCount())}});

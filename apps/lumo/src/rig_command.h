@@ -13,7 +13,8 @@ namespace lumo::program {
     const QStringList& paths, bool matrix, const CommonOptions& options);
 
 /// `lumo rig --save NAME PATH...`: makes the rig of the images' metadata the user's.
+/// \param overwrite  it replaces a rig of this name
 [[nodiscard]] ExitCode saveRig(
-    const QStringList& paths, const QString& name, const CommonOptions& options);
+    const QStringList& paths, const QString& name, bool overwrite, const CommonOptions& options);
 
 } // namespace lumo::program

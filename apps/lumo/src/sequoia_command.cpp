@@ -189,10 +189,7 @@ ExitCode showSequoia(
     std::vector<InputImage> images;
     std::size_t others = 0;
     const auto fail = [&exitCode, &options](const QString& path, const QString& reason) {
-        exitCode = failed(path, reason);
-        if (options.json) {
-            printJsonLine({{"file", path}, {"error", reason}});
-        }
+        exitCode = failed(path, reason, options);
     };
     const auto take = [&](const QString& file, const ExifInfo& exif) {
         if (!exif::sequoia::isSequoia(exif)) {

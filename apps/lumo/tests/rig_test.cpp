@@ -74,6 +74,10 @@ TEST(Rig, TheImagesOwnPosesMakeAUserRig)
     const ProgramRun saved = run({"rig", "--save", "Mine", samplePath("images")});
     EXPECT_EQ(saved.exitCode, 0) << saved.err.toStdString();
     EXPECT_EQ(saved.out, "Mine: 5 cameras\n");
+    const ProgramRun again = run({"rig", "--json", "--save", "Mine", samplePath("images")});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_TRUE(again.records().front()["error"].toString().startsWith("is known already"));
+    EXPECT_EQ(run({"rig", "--overwrite", "--save", "Mine", samplePath("images")}).exitCode, 0);
     const QJsonObject rig = run({"camdb", "show", "Mine", "--json"}).records().front();
     EXPECT_EQ(rig["referenceCamera"].toInt(), 1);
     const QJsonArray cameras = rig["cameras"].toArray();
