@@ -125,6 +125,19 @@ TEST_F(KpxConversion, RewritesWhatIsMoreThanAName)
          "gcps",
          "<gcps><gcp name='a' accuracyXY='1' accuracyZ='2'><mark image='i' x='1' y='2'/>"
          "<mark image='j'/></gcp></gcps>"},
+        {"of two attributes for one the first holds",
+         "<gcp name='a' toleranceXY='0.1' accuracyXY='0.2'/>"
+         "<gcp name='b' accuracyZ='0.3' toleranceZ='0.4'/>",
+         "gcps", "<gcps><gcp name='a' accuracyXY='0.1'/><gcp name='b' accuracyZ='0.3'/></gcps>"},
+        {"in images too",
+         "<image path='p'><camera name='c' cameraId='d'/></image>"
+         "<image path='q'><camera cameraId='e' name='f'/></image>",
+         "inputs/images",
+         "<images><image path='p'><camera name='c'/></image>"
+         "<image path='q'><camera name='e'/></image></images>"},
+        {"in rigs too",
+         "<rig name='r'><camera cameraId='a' name='b' aliasName='c' aliasId='d'/></rig>",
+         "inputs/cameras/rig", "<rig name='r'><camera name='a' aliasName='c'/></rig>"},
         {"images",
          "<image path='p'><exifId value='e'/><group value='1'/><new/><camera cameraId='c'/>"
          "<group value='2'/><camera cameraId='d'/></image>",

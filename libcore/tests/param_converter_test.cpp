@@ -407,11 +407,15 @@ TEST_F(ParamConverter_, ADevelopmentStepAppliesOnTopOfTheNewest)
     const QString app = applicationCopy(QString::fromUtf8("app #1 %2 ä"));
     ASSERT_TRUE(QDir(app).mkpath("resources/xsd/9999") && QDir(app).mkpath("resources/xsl/9999"));
     test::writeFile(app + "/resources/xsd/9999/lumo.xsd", "");
-    test::writeFile(
-        app + "/resources/xsl/9999/lumo.xsl",
-        "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
-        "<xsl:template match='/'><developed><xsl:value-of select='//kpxVersion'/></developed>"
-        "</xsl:template></xsl:stylesheet>");
+    const auto develop = [&](const QString& name, const QByteArray& result) {
+        test::writeFile(
+            app + "/resources/xsl/9999/" + name,
+            "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
+            "<xsl:template match='/'>" +
+                result + "</xsl:template></xsl:stylesheet>");
+    };
+    develop("lumo.xsl", "<developed><xsl:value-of select='//kpxVersion'/></developed>");
+    develop("template.xsl", "<developed>of a template</developed>");
     system::setApplicationDirectory(app);
     const QString input = file("in.kpx", project("2.1.43"));
     ParamConverter converter(input, 1);
@@ -421,12 +425,20 @@ TEST_F(ParamConverter_, ADevelopmentStepAppliesOnTopOfTheNewest)
             {"XSLT conversion from version 0 to 1", "XSLT conversion from version 1 to 9999"}));
     EXPECT_TRUE(ParamConverter(file("new.kpx", project("2.1.43", "2")), 1).plannedSteps().empty());
     EXPECT_THAT(converted(input, 1).toStdString(), HasSubstr("<developed>1</developed>"));
+    EXPECT_THAT(
+        converted(sample("templates/quick_format_0.tmpl"), 1).toStdString(),
+        HasSubstr("<developed>of a template</developed>"));
+
+    develop("lumo.xsl", "<one/><other/>");
+    QString error;
+    EXPECT_FALSE(converter.convert(input, error));
+    EXPECT_THAT(error.toStdString(), HasSubstr("the result is not XML: line 3: "));
+    EXPECT_EQ(test::readFile(input), project("2.1.43"));
 
     for (const char* version : {"0", "1"}) {
         ASSERT_TRUE(QDir(app + "/resources/xsd/" + version).removeRecursively());
     }
     const log::Capture log;
-    QString error;
     EXPECT_FALSE(converter.convert(path("other"), error));
     EXPECT_EQ(error, "Folders in $AppDir/resources/xsd have been removed.");
     EXPECT_TRUE(log.contains(log::Level::Important, error));

@@ -202,6 +202,10 @@ bool ParamConverter::Impl::convert(
             return false;
         }
     }
+    // The result replaces a file that somebody needs; the steps only build it.
+    if (!xml::checkXml(document, reason)) {
+        return fail(QStringLiteral("the result is not XML: ") + reason, error);
+    }
     tell(done);
     result = std::move(document);
     return true;

@@ -12,13 +12,6 @@
 namespace lumo::kpx {
 namespace {
 
-void renameAttributesOfCamera(Element& camera, Changes& changes)
-{
-    for (const QString& name : {QStringLiteral("cameraId"), QStringLiteral("aliasId")}) {
-        renameAttribute(camera, name, xml::renamedOfCamera(name), changes);
-    }
-}
-
 void renameChildren(Element& parent, QString (*renamed)(const QString&), Changes& changes)
 {
     for (Element& child : parent.children) {
@@ -34,12 +27,8 @@ void renameChildren(Element& parent, QString (*renamed)(const QString&), Changes
 /// The identifier was an attribute, and is an element like the others now.
 void moveIdentifier(Element& camera)
 {
-    const auto id = std::find_if(
-        camera.attributes.begin(), camera.attributes.end(),
-        [](const Attribute& attribute) { return attribute.name == QLatin1String("id"); });
-    if (id != camera.attributes.end()) {
-        camera.children.push_back({QStringLiteral("id"), id->value, {}, {}, camera.line});
-        camera.attributes.erase(id);
+    if (const std::optional<QString> id = camera.takeAttribute(QStringLiteral("id"))) {
+        camera.children.push_back({QStringLiteral("id"), *id, {}, {}, camera.line});
     }
 }
 
@@ -93,16 +82,12 @@ void convertRigCamera(Element& camera, Changes& changes)
 {
     static const Positions positions{{"band", 0}};
     if (camera.name == QLatin1String("camera")) {
-        renameAttributesOfCamera(camera, changes);
+        renameAttributesOfCamera(camera, QStringLiteral("rig/camera"), changes);
     }
-    const auto id = std::find_if(
-        camera.attributes.begin(), camera.attributes.end(),
-        [](const Attribute& attribute) { return attribute.name == QLatin1String("id"); });
-    if (id != camera.attributes.end()) {
+    if (camera.takeAttribute(QStringLiteral("id"))) {
         changes.dropped(
             QStringLiteral("rig/camera@id"), QStringLiteral("cameras of rigs have names"),
             camera.line);
-        camera.attributes.erase(id);
     }
     arrange(camera, positions, {QStringLiteral("band")}, changes);
 }
@@ -113,7 +98,7 @@ bool convertCamera(Element& camera, const Positions& positions, Changes& changes
 {
     static const QStringList repeatable{
         QStringLiteral("pixelValue"), QStringLiteral("vignettingPoly"), QStringLiteral("band")};
-    renameAttributesOfCamera(camera, changes);
+    renameAttributesOfCamera(camera, camera.name, changes);
     renameChildren(camera, &xml::renamedInCamera, changes);
     moveIdentifier(camera);
     arrange(camera, positions, repeatable, changes);

@@ -91,6 +91,19 @@ void Element::setAttribute(const QString& attributeName, const QString& value)
     attributes.push_back({attributeName, value});
 }
 
+std::optional<QString> Element::takeAttribute(const QString& attributeName)
+{
+    const auto found = std::find_if(attributes.begin(), attributes.end(), [&](const auto& one) {
+        return one.name == attributeName;
+    });
+    if (found == attributes.end()) {
+        return {};
+    }
+    QString value = std::move(found->value);
+    attributes.erase(found);
+    return value;
+}
+
 int lineOf(const QXmlStreamReader& reader)
 {
     return static_cast<int>(reader.lineNumber());

@@ -5,6 +5,7 @@
 #include <QXmlStreamReader>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 class QDomDocument;
@@ -37,6 +38,8 @@ struct Element
     /// or else the text.
     [[nodiscard]] QString value() const;
     void setAttribute(const QString& attributeName, const QString& value);
+    /// Takes an attribute away; nothing if there is no such attribute.
+    [[nodiscard]] std::optional<QString> takeAttribute(const QString& attributeName);
 };
 
 [[nodiscard]] int lineOf(const QXmlStreamReader& reader);

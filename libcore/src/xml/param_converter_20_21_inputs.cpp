@@ -38,9 +38,7 @@ void convertImageChild(Element& child, Changes& changes)
         changes.renamed(QStringLiteral("image/exifId"), QStringLiteral("image/exifID"), child.line);
         child.name = QStringLiteral("exifID");
     } else if (child.name == QLatin1String("camera")) {
-        for (Attribute& attribute : child.attributes) {
-            attribute.name = xml::renamedOfCamera(attribute.name);
-        }
+        renameAttributesOfCamera(child, QStringLiteral("image/camera"), changes);
     }
 }
 
@@ -104,15 +102,36 @@ void arrange(
 }
 
 void renameAttribute(
-    Element& element, const QString& before, const QString& after, Changes& changes)
+    Element& element, const QString& path, const QString& before, const QString& after,
+    Changes& changes)
 {
-    for (Attribute& attribute : element.attributes) {
-        if (attribute.name == before) {
-            attribute.name = after;
-            changes.renamed(
-                element.name + QLatin1Char('@') + before, element.name + QLatin1Char('@') + after,
-                element.line);
-        }
+    const auto isEither = [&](const Attribute& one) {
+        return one.name == before || one.name == after;
+    };
+    std::vector<Attribute>& attributes = element.attributes;
+    const auto first = std::find_if(attributes.begin(), attributes.end(), isEither);
+    if (first == attributes.end()) {
+        return;
+    }
+    const QString holding = first->name;
+    if (holding == before) {
+        first->name = after;
+        changes.renamed(
+            path + QLatin1Char('@') + before, path + QLatin1Char('@') + after, element.line);
+    }
+    const auto second = std::find_if(std::next(first), attributes.end(), isEither);
+    if (second != attributes.end()) {
+        changes.dropped(
+            path + QLatin1Char('@') + second->name,
+            QStringLiteral("%1 is set by %2 before").arg(after, holding), element.line);
+        attributes.erase(second);
+    }
+}
+
+void renameAttributesOfCamera(Element& camera, const QString& path, Changes& changes)
+{
+    for (const QString& name : {QStringLiteral("cameraId"), QStringLiteral("aliasId")}) {
+        renameAttribute(camera, path, name, xml::renamedOfCamera(name), changes);
     }
 }
 

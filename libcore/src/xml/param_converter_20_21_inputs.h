@@ -23,9 +23,15 @@ using Positions = XsdTypeElementIndex::Positions;
 void arrange(
     Element& parent, const Positions& positions, const QStringList& repeatable, Changes& changes);
 
-/// If there is an attribute `before`, it is `after` from now on.
+/// If there is an attribute `before`, it is `after` from now on. If there are both, the
+/// first holds and the other is dropped.
+/// \param path  of the element, by which the change is told
 void renameAttribute(
-    Element& element, const QString& before, const QString& after, Changes& changes);
+    Element& element, const QString& path, const QString& before, const QString& after,
+    Changes& changes);
+
+/// Gives the attributes of an element "camera", wherever it stands, their current names.
+void renameAttributesOfCamera(Element& camera, const QString& path, Changes& changes);
 
 /// \param positions  of the children, from the schema
 void convertImage(Element& image, const Positions& positions, Changes& changes);

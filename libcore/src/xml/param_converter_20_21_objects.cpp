@@ -79,8 +79,11 @@ void convertGcp(Element& gcp, Changes& changes)
     if (hasTolerance) {
         throw std::runtime_error("GCP:tolerance not supported anymore");
     }
-    renameAttribute(gcp, QStringLiteral("toleranceXY"), QStringLiteral("accuracyXY"), changes);
-    renameAttribute(gcp, QStringLiteral("toleranceZ"), QStringLiteral("accuracyZ"), changes);
+    for (const QString& axes : {QStringLiteral("XY"), QStringLiteral("Z")}) {
+        renameAttribute(
+            gcp, gcp.name, QStringLiteral("tolerance") + axes, QStringLiteral("accuracy") + axes,
+            changes);
+    }
     arrange(gcp, positions, {QStringLiteral("mark")}, changes);
     changes.moved(QStringLiteral("gcp"), QStringLiteral("gcps/gcp"), gcp.line);
 }
