@@ -1,35 +1,43 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fuzz_target.h"
-#include "lumo/cameradata/xml_document.h"
-#include "lumo/core/xml/kpx_conversion_20_21.h"
+#include "lumo/core/xml/param_converter.h"
+#include "lumo/core/xml/register_xml_converters.h"
 #include "lumo/foundation/system.h"
-
-#include <QBuffer>
+#include "memory_file.h"
 
 #include <stdexcept>
 
-// A project or a template, as its root says. LUMO_RESOURCES_PARENT is the folder with
-// the schemas.
+// A project or a template of any version, through all of its steps.
+// LUMO_RESOURCES_PARENT is the folder with schemas and stylesheets.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace lumo;
-    using Mode = KpxConversion20_21::Mode;
+    constexpr int target = 3;
     static const bool once = [] {
+        registerXmlConverters();
         system::setApplicationDirectory(QStringLiteral(LUMO_RESOURCES_PARENT));
         return true;
     }();
     static_cast<void>(once);
-    QBuffer input;
-    input.setData(fuzz::toBytes(data, size));
-    fuzz::require(input.open(QIODevice::ReadOnly), "a buffer opens");
-    KpxConversion20_21 step(input.data().contains("lumotmpl") ? Mode::Template : Mode::Project);
     QByteArray result;
     try {
-        result = step.convert(&input);
+        const fuzz::MemoryFile file(data, size);
+        ParamConverter converter(file.path(), target);
+        QString error;
+        if (!converter.needsConversion() || !converter.convertInMemory(result, error)) {
+            fuzz::require(
+                !error.contains(QLatin1String("of format version")),
+                "steps are planned from the version that the stylesheets see", error);
+            return 0;
+        }
     } catch (const std::runtime_error&) {
         return 0;
     }
-    QString error;
-    fuzz::require(xml::checkXml(result, error), "a result is XML", error);
+    const fuzz::MemoryFile file(
+        reinterpret_cast<const std::uint8_t*>(result.constData()),
+        static_cast<std::size_t>(result.size()));
+    fuzz::require(
+        !ParamConverter(file.path(), target).needsConversion(),
+        "a result is of the target version");
     return 0;
 }

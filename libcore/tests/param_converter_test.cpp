@@ -227,10 +227,11 @@ struct Planned
     const char* document; ///< after the declaration
     const char* version;
     int format;
-    int steps; ///< to format version 3
+    int steps;              ///< to format version 3
+    const char* error = ""; ///< that ends them
 };
 
-TEST_F(ParamConverter_, ReadsTheVersionAndPlansTheSteps)
+TEST_F(ParamConverter_, ReadsTheVersionPlansTheStepsAndTakesThem)
 {
     const Planned cases[] = {
         {"<lumodesk/>", "2.1.43", 0, 3},
@@ -240,10 +241,17 @@ TEST_F(ParamConverter_, ReadsTheVersionAndPlansTheSteps)
         {"<lumodesk><x/><software><kpxVersion> 2 </kpxVersion></software></lumodesk>", "2.1.43", 2,
          1},
         {"<lumodesk><software><kpxVersion>x</kpxVersion></software></lumodesk>", "2.1.43", 0, 3},
+        {"<lumodesk><software><kpxVersion/></software></lumodesk>", "2.1.43", 0, 3},
+        {"<lumodesk><software><kpxVersion>1.5</kpxVersion></software></lumodesk>", "2.1.43", 0, 3},
+        {"<lumodesk><software><kpxVersion>4294967298</kpxVersion></software></lumodesk>", "2.1.43",
+         0, 3},
+        {"<lumodesk><software><kpxVersion>+2</kpxVersion></software></lumodesk>", "2.1.43", 2, 1},
+        {"<lumodesk><software/><software><kpxVersion>2</kpxVersion></software></lumodesk>",
+         "2.1.43", 0, 3},
         {"<lumodesk><software><kpxVersion>-5</kpxVersion></software></lumodesk>", "2.1.43", 0, 3},
         {"<lumodesk><software><kpxVersion>3</kpxVersion></software></lumodesk>", "2.1.43", 3, 0},
         {"<lumodesk><software><projectVersion>2.0</projectVersion></software></lumodesk>", "2.0", 0,
-         4},
+         4, "Initial tag not expected"},
         {"<lumodesk><software><kpxVersion>4</kpxVersion></software></lumodesk>", "2.1.43", 4, 0},
         {"<lumoair/>", "2.0", 0, 4},
         {"<lumoair><projectVersion/><projectVersion value='1.3'/></lumoair>", "2.0", 0, 4},
@@ -253,14 +261,25 @@ TEST_F(ParamConverter_, ReadsTheVersionAndPlansTheSteps)
         {"<lumotmpl><information><version>2.1.50</version><kpxVersion>1</kpxVersion></information>"
          "</lumotmpl>",
          "2.1.50", 1, 2},
+        {"<lumotmpl><information><version>2.1.50</version><kpxVersion>\u00a02"
+         "</kpxVersion></information></lumotmpl>",
+         "2.1.50", 0, 3},
     };
     for (const Planned& planned : cases) {
-        const ParamConverter converter(file("in", kDeclaration + planned.document), kTarget);
+        ParamConverter converter(file("in", kDeclaration + planned.document), kTarget);
         EXPECT_EQ(converter.getProjectVersion(), planned.version) << planned.document;
         EXPECT_EQ(converter.kpxVersion(), planned.format) << planned.document;
         EXPECT_EQ(converter.plannedSteps().size(), planned.steps) << planned.document;
         EXPECT_EQ(converter.needsConversion(), planned.steps > 0) << planned.document;
         EXPECT_EQ(converter.biggerVersion(), planned.format > kTarget) << planned.document;
+        QByteArray result;
+        QString error;
+        if (planned.steps > 0 && !converter.convertInMemory(result, error)) {
+            EXPECT_EQ(error, planned.error) << planned.document;
+        } else if (planned.steps > 0) {
+            EXPECT_FALSE(ParamConverter(file("out", result), kTarget).needsConversion())
+                << planned.document;
+        }
     }
 }
 
@@ -378,6 +397,9 @@ TEST_F(ParamConverter_, ABackupStaysInTheFolderOfTheFile)
     ParamConverter converter(input, kTarget);
     converter.setKpxBackupPath("auto");
     EXPECT_EQ(converter.backupPath(), path("in_backup_2.1.43_.._.._x.kpx"));
+    ParamConverter shortNamed(file("abc", project("2.1.43")), kTarget);
+    shortNamed.setKpxBackupPath("auto");
+    EXPECT_EQ(shortNamed.backupPath(), path("_backup_2.1.43.kpx"));
 }
 
 TEST_F(ParamConverter_, TemplatesAreBackedUpByAge)

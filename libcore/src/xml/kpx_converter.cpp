@@ -9,6 +9,7 @@
 
 #include <QBuffer>
 
+#include <algorithm>
 #include <stdexcept>
 #include <thread>
 
@@ -118,12 +119,12 @@ QString ParamConverter::Impl::backupFile() const
     if (backupPath != QLatin1String("auto")) {
         return backupPath;
     }
-    constexpr int kExtensionLength = 4; // ".kpx"
+    const int extensionLength = std::min(4, file::filename(inputFile).size()); // ".kpx"
     // What the file says must not name another folder.
     QString project = version.project;
     project.replace(QLatin1Char('/'), QLatin1Char('_'))
         .replace(QLatin1Char('\\'), QLatin1Char('_'));
-    return inputFile.chopped(kExtensionLength) + QStringLiteral("_backup_") + project +
+    return inputFile.chopped(extensionLength) + QStringLiteral("_backup_") + project +
            QStringLiteral(".kpx");
 }
 

@@ -7,6 +7,7 @@
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QXmlStreamReader>
 
 #include <optional>
@@ -55,9 +56,15 @@ VersionTexts readTexts(QXmlStreamReader& reader, QLatin1String productTag)
 
 int formatOf(const VersionTexts& texts)
 {
-    bool ok = true;
-    const int format = texts.format ? text::fromString<int>(*texts.format, &ok) : 0;
-    if (!ok || format < 0) {
+    if (!texts.format) {
+        return 0;
+    }
+    // The stylesheets, too, take no other white space.
+    static const QRegularExpression number(
+        QStringLiteral("\\A[ \\t\\r\\n]*[+-]?[0-9]+[ \\t\\r\\n]*\\z"));
+    bool ok = false;
+    const int format = text::fromString<int>(*texts.format, &ok);
+    if (!ok || format < 0 || !number.match(*texts.format).hasMatch()) {
         log::warning() << QStringLiteral("element kpxVersion: \"%1\" is not a version, 0 is used")
                               .arg(texts.format->left(40));
         return 0;

@@ -24,7 +24,9 @@
   </xsl:template>
 
   <xsl:template match="/lumodesk">
-    <xsl:if test="software/kpxVersion[1] and number(software/kpxVersion[1]) != 0">
+    <!-- What is no whole number of 32 bits counts as 0. -->
+    <xsl:variable name="version" select="software[1]/kpxVersion[1]"/>
+    <xsl:if test="$version &gt; 0 and $version &lt; 2147483648 and not(contains($version, '.'))">
       <xsl:message terminate="yes">not a project of format version 0</xsl:message>
     </xsl:if>
     <xsl:copy>

@@ -20,7 +20,9 @@
   </xsl:template>
 
   <xsl:template match="/lumotmpl">
-    <xsl:if test="information/kpxVersion[1] and number(information/kpxVersion[1]) != 0">
+    <!-- What is no whole number of 32 bits counts as 0. -->
+    <xsl:variable name="version" select="information[1]/kpxVersion[1]"/>
+    <xsl:if test="$version &gt; 0 and $version &lt; 2147483648 and not(contains($version, '.'))">
       <xsl:message terminate="yes">not a processing template of format version 0</xsl:message>
     </xsl:if>
     <xsl:copy>

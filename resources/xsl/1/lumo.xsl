@@ -21,7 +21,7 @@
   </xsl:template>
 
   <xsl:template match="/lumodesk">
-    <xsl:if test="not(number(software/kpxVersion[1]) = 1)">
+    <xsl:if test="not(translate(software[1]/kpxVersion[1], '+', '') = 1)">
       <xsl:message terminate="yes">not a project of format version 1</xsl:message>
     </xsl:if>
     <xsl:copy>

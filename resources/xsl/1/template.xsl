@@ -20,7 +20,7 @@
   </xsl:template>
 
   <xsl:template match="/lumotmpl">
-    <xsl:if test="not(number(information/kpxVersion[1]) = 1)">
+    <xsl:if test="not(translate(information[1]/kpxVersion[1], '+', '') = 1)">
       <xsl:message terminate="yes">not a processing template of format version 1</xsl:message>
     </xsl:if>
     <xsl:copy>

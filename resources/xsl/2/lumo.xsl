@@ -23,7 +23,7 @@
   </xsl:template>
 
   <xsl:template match="/lumodesk">
-    <xsl:if test="not(number(software/kpxVersion[1]) = 2)">
+    <xsl:if test="not(translate(software[1]/kpxVersion[1], '+', '') = 2)">
       <xsl:message terminate="yes">not a project of format version 2</xsl:message>
     </xsl:if>
     <xsl:copy>

@@ -19,7 +19,7 @@
   </xsl:template>
 
   <xsl:template match="/lumotmpl">
-    <xsl:if test="not(number(information/kpxVersion[1]) = 2)">
+    <xsl:if test="not(translate(information[1]/kpxVersion[1], '+', '') = 2)">
       <xsl:message terminate="yes">not a processing template of format version 2</xsl:message>
     </xsl:if>
     <xsl:copy>
