@@ -110,6 +110,8 @@ TEST_F(KpxConversion, RewritesWhatIsMoreThanAName)
          "<projectType value='vegetation'/><processingMethod value='standard'/>", "options/initial",
          "<initial><matchStrategy value='AutoAerial'/><calibrationMethod value='standard'/>"
          "</initial>"},
+        {"but not if it is dropped", "<matchStrategy value='Custom'/><projectType value='planar'/>",
+         "options/initial", "<initial><matchStrategy value='Custom'/></initial>"},
         {"area", "<area name='orthoRoi'><vertex x='1' y='2'/></area>", "options/ortho",
          "<ortho><processingArea name='orthoRoi'><vertex x='1' y='2'/></processingArea></ortho>"},
         {"heights of the geoid",
@@ -129,6 +131,12 @@ TEST_F(KpxConversion, RewritesWhatIsMoreThanAName)
          "<gcp name='a' toleranceXY='0.1' accuracyXY='0.2'/>"
          "<gcp name='b' accuracyZ='0.3' toleranceZ='0.4'/>",
          "gcps", "<gcps><gcp name='a' accuracyXY='0.1'/><gcp name='b' accuracyZ='0.3'/></gcps>"},
+        {"accuracies may have been elements",
+         "<gcp name='a'><toleranceXY value='0.1'/><toleranceZ> 0.2 </toleranceZ><mark/></gcp>"
+         "<gcp name='b' toleranceXY='0.3'><toleranceXY value='0.4'/></gcp>",
+         "gcps",
+         "<gcps><gcp name='a' accuracyXY='0.1' accuracyZ='0.2'><mark/></gcp>"
+         "<gcp name='b' accuracyXY='0.3'/></gcps>"},
         {"in images too",
          "<image path='p'><camera name='c' cameraId='d'/></image>"
          "<image path='q'><camera cameraId='e' name='f'/></image>",
@@ -219,6 +227,51 @@ TEST_F(KpxConversion, BringsTimeStampsToOneForm)
                 std::string("time \"") + after + "\"\n")
                 << before;
         }
+    }
+}
+
+TEST_F(KpxConversion, WhatIsDoneIsTold)
+{
+    KpxConversion20_21 step(Mode::Project);
+    const QByteArray result = run(
+        step,
+        "<lumoair a='1' xmlns:x='u'>text\n"
+        "<id value='i'/><projectVersion value='2.0'/><projectVersion value='1.3'/>\n"
+        "<updateInternals value='all'/>\n"
+        "<rig name='r'><processing mode='optRels' adjustRefCamera='false'>"
+        "<adjustRefCamera>true</adjustRefCamera></processing>"
+        "<cameraDetection type='cameraOrder' old='1'/><camera x:n='1' name='a' cameraId='b'/>"
+        "</rig>\n"
+        "<rig name='s'><processing><adjustRefCamera>true</adjustRefCamera></processing></rig>\n"
+        "<image path='p'><camera cameraId='c'/><time value='2016:05:03 10:11:12' zone='z'/></image>"
+        "\n<outputCS><verticalDef value='1' geoidHeight='2'/></outputCS>\n</lumoair>");
+    EXPECT_THAT(result.toStdString(), HasSubstr("<lumodesk xmlns:x=\"u\">"));
+    EXPECT_THAT(
+        test::outline(result), HasSubstr("processing adjustRefCamera=[false] mode=[optRels]\n"));
+    std::string told;
+    for (const ConversionChange& change : step.changes()) {
+        told += QStringLiteral("%1 %2 > %3, line %4\n")
+                    .arg(static_cast<int>(change.kind))
+                    .arg(change.what, change.into)
+                    .arg(change.line)
+                    .toStdString();
+    }
+    for (const char* change :
+         {"3 lumoair@a > it has no place in the result, line 1\n",
+          "3 lumoair > text beside elements is not kept, line 2\n",
+          "0 id > software/product, line 2\n",
+          "0 projectVersion > software/convertedFrom, line 2\n",
+          "3 projectVersion > it is there before, line 2\n",
+          "2 updateInternals@value > internalParamOptimization@value=All, line 3\n",
+          "3 rig/camera@cameraId > name is set by name before, line 4\n",
+          "0 rig/cameraDetection@type > rig/cameraDetection@value, line 4\n",
+          "3 rig/cameraDetection@old > it has no place in the result, line 4\n",
+          "3 rig/processing/adjustRefCamera > it is there before, line 4\n",
+          "0 rig/processing/adjustRefCamera > rig/processing@adjustRefCamera, line 5\n",
+          "0 image/camera@cameraId > image/camera@name, line 6\n",
+          "3 image/time@zone > it has no place in the result, line 6\n",
+          "3 verticalDef@geoidHeight > it has no place in the result, line 7\n"}) {
+        EXPECT_THAT(told, HasSubstr(change));
     }
 }
 

@@ -504,6 +504,7 @@ TEST_F(ParamConverter_, ADryRunTellsStepsAndChangesAndWritesNothing)
     for (const char* change :
          {"0 thresHom > options/initial/threshHom, 1x in line 13",
           "3 denseSamplingScale > pclImageScale is set by denseImageScale before, 1x in line 25",
+          "1 camera@id > camera/id, 2x in line 85",
           "3 userObject \"Notiz\" > its type is not known, 1x in line 149",
           "1 options/dense/mesh* > options/mesh, 7x in line 37",
           "1 verticalDef@model > vertical/model, 2x in line 140"}) {

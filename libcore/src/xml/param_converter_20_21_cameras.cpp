@@ -7,8 +7,6 @@
 
 #include <QDomDocument>
 
-#include <algorithm>
-
 namespace lumo::kpx {
 namespace {
 
@@ -25,10 +23,12 @@ void renameChildren(Element& parent, QString (*renamed)(const QString&), Changes
 }
 
 /// The identifier was an attribute, and is an element like the others now.
-void moveIdentifier(Element& camera)
+void moveIdentifier(Element& camera, Changes& changes)
 {
     if (const std::optional<QString> id = camera.takeAttribute(QStringLiteral("id"))) {
-        camera.children.push_back({QStringLiteral("id"), *id, {}, {}, camera.line});
+        changes.moved(QStringLiteral("camera@id"), QStringLiteral("camera/id"), camera.line);
+        camera.children.insert(
+            camera.children.begin(), {QStringLiteral("id"), *id, {}, {}, camera.line});
     }
 }
 
@@ -45,13 +45,8 @@ QString faultOf(const Element& camera)
 /// Before it was an attribute, whether the reference camera is adjusted was an element.
 void convertProcessing(Element& processing, Changes& changes)
 {
-    const auto child = std::find_if(
-        processing.children.begin(), processing.children.end(),
-        [](const Element& one) { return one.name == QLatin1String("adjustRefCamera"); });
-    if (child != processing.children.end()) {
-        processing.setAttribute(child->name, child->value().trimmed());
-        processing.children.erase(child);
-    }
+    const QString adjusted = QStringLiteral("adjustRefCamera");
+    attributeFromChild(processing, QStringLiteral("rig/processing"), adjusted, adjusted, changes);
     arrange(processing, {}, {}, changes);
     const QString* const mode = processing.attribute(QStringLiteral("mode"));
     if (mode == nullptr) {
@@ -70,11 +65,20 @@ void convertProcessing(Element& processing, Changes& changes)
     processing.setAttribute(QStringLiteral("mode"), current);
 }
 
-void convertDetection(Element& detection)
+/// The first attribute says it, whatever its name, or else the text.
+void convertDetection(Element& detection, Changes& changes)
 {
-    const QString how =
-        detection.attributes.empty() ? detection.text : detection.attributes.front().value;
-    detection.attributes = {{QStringLiteral("value"), how}};
+    const QString path = QStringLiteral("rig/cameraDetection");
+    const Attribute said =
+        detection.attributes.empty() ? Attribute{{}, detection.text} : detection.attributes.front();
+    const QString after = QStringLiteral("value");
+    if (said.name != after) {
+        changes.renamed(
+            said.name.isEmpty() ? path : path + QLatin1Char('@') + said.name,
+            path + QLatin1Char('@') + after, detection.line);
+    }
+    clearAttributes(detection, path, said.name, changes);
+    detection.attributes = {{after, said.value}};
     detection.text.clear();
 }
 
@@ -100,7 +104,7 @@ bool convertCamera(Element& camera, const Positions& positions, Changes& changes
         QStringLiteral("pixelValue"), QStringLiteral("vignettingPoly"), QStringLiteral("band")};
     renameAttributesOfCamera(camera, camera.name, changes);
     renameChildren(camera, &xml::renamedInCamera, changes);
-    moveIdentifier(camera);
+    moveIdentifier(camera, changes);
     arrange(camera, positions, repeatable, changes);
     const QString fault = faultOf(camera);
     if (!fault.isEmpty()) {
@@ -124,7 +128,7 @@ void convertRig(Element& rig, Changes& changes)
         if (child.name == QLatin1String("processing")) {
             convertProcessing(child, changes);
         } else if (child.name == QLatin1String("cameraDetection")) {
-            convertDetection(child);
+            convertDetection(child, changes);
         } else {
             convertRigCamera(child, changes);
         }

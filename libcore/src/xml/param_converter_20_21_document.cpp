@@ -77,17 +77,18 @@ OldDocument::OldDocument(const QByteArray& bytes, Mode mode)
     }
     m_handlers = mode == Mode::Project ? projectHandlers() : templateHandlers();
     addOptionHandlers(m_handlers);
+    root();
     collect();
     settle();
 }
 
 std::map<QString, OldDocument::Handler> OldDocument::projectHandlers()
 {
-    const Handler read = [] {}; // with the origin
+    const Handler origin = [this] { this->origin(); };
     const Handler output = [this] { this->output(); };
     return {
-        {"id", read},
-        {"projectVersion", read},
+        {"id", origin},
+        {"projectVersion", origin},
         {"camera", [this] { camera(); }},
         {"rig", [this] { rig(); }},
         {"imageCS", [this] { coordinateSystem("image"); }},
@@ -104,7 +105,7 @@ std::map<QString, OldDocument::Handler> OldDocument::projectHandlers()
 
 std::map<QString, OldDocument::Handler> OldDocument::templateHandlers()
 {
-    const Handler text = [this] { informationText(m_current); };
+    const Handler text = [this] { informationText(m_current, m_current.name); };
     return {{"information", [this] { information(); }}, {"name", text}, {"description", text}};
 }
 
@@ -117,6 +118,21 @@ void OldDocument::addOptionHandlers(std::map<QString, Handler>& handlers)
     for (const char* name : {"regions", "denseGroups", "meshGeomGroups", "meshTexGroups"}) {
         handlers[name] = [this] { complexOption(); };
     }
+}
+
+/// Its prefixes may be used anywhere in what is kept.
+void OldDocument::root()
+{
+    Element root = rootOf(m_bytes);
+    for (const Attribute& attribute : root.attributes) {
+        if (attribute.name.startsWith(QLatin1String("xmlns:"))) {
+            m_namespaces.push_back(attribute);
+        }
+    }
+    for (const Attribute& declared : m_namespaces) {
+        static_cast<void>(root.takeAttribute(declared.name));
+    }
+    clearAttributes(root, root.name, {}, m_changes);
 }
 
 void OldDocument::collect()
@@ -144,13 +160,26 @@ void OldDocument::element()
     }
 }
 
+/// The values were read before; of several elements the first holds.
+void OldDocument::origin()
+{
+    const QString name = m_current.name;
+    if (!m_originTold.insert(name).second) {
+        m_changes.dropped(name, QStringLiteral("it is there before"), m_current.line);
+    } else if (name == QLatin1String("id")) {
+        m_changes.renamed(name, QStringLiteral("software/product"), m_current.line);
+    } else {
+        m_changes.renamed(name, QStringLiteral("software/convertedFrom"), m_current.line);
+    }
+}
+
 void OldDocument::information()
 {
     for (const Element& child : m_current.children) {
         if (child.name == QLatin1String("version")) {
             m_origin.version = child.value().trimmed();
         } else if (child.name != QLatin1String("kpxVersion")) {
-            informationText(child);
+            informationText(child, QStringLiteral("information/") + child.name);
         }
     }
     if (!text::versionSmallerThan(m_origin.version, QStringLiteral("2.1"))) {
@@ -159,20 +188,21 @@ void OldDocument::information()
 }
 
 /// Takes a text about a template, which was an element below the root before.
-void OldDocument::informationText(const Element& element)
+void OldDocument::informationText(const Element& element, const QString& path)
 {
     if (!element.children.empty()) {
         refuseComplex(element.name);
     }
     const bool isKnown =
         element.name == QLatin1String("name") || element.name == QLatin1String("description");
+    const QString into = QStringLiteral("information/") + element.name;
     if (!isKnown) {
-        m_changes.dropped(
-            QStringLiteral("information/") + element.name, QStringLiteral("it is not known there"),
-            element.line);
+        m_changes.dropped(path, QStringLiteral("it is not known there"), element.line);
     } else if (!m_information.try_emplace(element.name, Element{element.name, element.value()})
                     .second) {
-        m_changes.dropped(element.name, QStringLiteral("it is there before"), element.line);
+        m_changes.dropped(path, QStringLiteral("it is there before"), element.line);
+    } else if (path != into) {
+        m_changes.moved(path, into, element.line);
     }
 }
 
@@ -201,33 +231,42 @@ void OldDocument::complexOption()
 
 void OldDocument::updateInternals()
 {
-    const QString* const before = m_current.attribute(kValue);
+    const QString before = m_current.name;
+    const QString name = QStringLiteral("internalParamOptimization");
+    const QString* const value = m_current.attribute(kValue);
     const QString after =
-        newValue(kInternals, before != nullptr ? *before : QString(), "updateInternals");
+        newValue(kInternals, value != nullptr ? *value : QString(), "updateInternals");
+    const int line = m_current.line;
     m_current.setAttribute(kValue, after);
-    m_current.name = QStringLiteral("internalParamOptimization");
-    m_options.placeRenamed(QStringLiteral("updateInternals"), std::move(m_current), m_changes);
+    m_current.name = name;
+    if (m_options.placeRenamed(before, std::move(m_current), m_changes)) {
+        m_changes.rewritten(
+            before + QStringLiteral("@value"), name + QStringLiteral("@value=") + after, line);
+    }
 }
 
 void OldDocument::projectType()
 {
     const QString before = m_current.value();
     const QString after = newValue(kMatchStrategies, before, "projectType");
+    const int line = m_current.line;
+    m_current.setAttribute(kValue, after);
+    m_current.text.clear();
+    if (!m_options.place(std::move(m_current), m_changes)) {
+        return;
+    }
     if (before != after) {
         m_changes.rewritten(
             QStringLiteral("projectType@value"), QStringLiteral("matchStrategy@value=") + after,
-            m_current.line);
+            line);
     }
     const bool alternative =
         std::any_of(kAlternative.begin(), kAlternative.end(), [&](const char* kind) {
             return before == QLatin1String(kind);
         });
-    if (alternative && m_alternativeLine == 0) {
-        m_alternativeLine = m_current.line;
+    if (alternative) {
+        m_alternativeLine = line;
     }
-    m_current.setAttribute(kValue, after);
-    m_current.text.clear();
-    m_options.place(std::move(m_current), m_changes);
 }
 
 void OldDocument::output()

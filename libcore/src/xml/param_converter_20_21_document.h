@@ -8,6 +8,7 @@
 #include "xml/param_converter_20_21_options.h"
 
 #include <map>
+#include <set>
 
 namespace lumo::kpx {
 
@@ -36,10 +37,12 @@ private:
     [[nodiscard]] std::map<QString, Handler> templateHandlers();
     void addOptionHandlers(std::map<QString, Handler>& handlers);
     void collect();
+    void root();
     void element();
+    void origin();
 
     void information();
-    void informationText(const Element& element);
+    void informationText(const Element& element, const QString& path);
     void area();
     void classes();
     void updateInternals();
@@ -53,6 +56,7 @@ private:
     void userObject();
     void settle();
 
+    void writeRoot(QXmlStreamWriter& writer, const char* name) const;
     void writeProject(QXmlStreamWriter& writer);
     void writeTemplate(QXmlStreamWriter& writer) const;
     void writeInputs(QXmlStreamWriter& writer);
@@ -62,6 +66,8 @@ private:
     Mode m_mode;
     XsdTypeElementIndex m_index;
     Origin m_origin;
+    std::set<QString> m_originTold;      ///< the elements that say it, as they are met
+    std::vector<Attribute> m_namespaces; ///< declarations of prefixes by the root
     Changes m_changes;
     std::map<QString, Handler> m_handlers; ///< by the name of an element below the root
     Element m_current;                     ///< what a handler is to handle

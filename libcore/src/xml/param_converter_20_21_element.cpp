@@ -51,13 +51,17 @@ Element startedElement(const QXmlStreamReader& reader)
     return element;
 }
 
+void dropText(const QString& parent, int line, Changes& changes)
+{
+    changes.dropped(parent, QStringLiteral("text beside elements is not kept"), line);
+}
+
 /// Text beside elements, and white space between them, has no place.
 void settleText(Element& element, Changes& changes)
 {
     const bool blank = element.text.trimmed().isEmpty();
     if (!blank && !element.children.empty()) {
-        changes.dropped(
-            element.name, QStringLiteral("text beside elements is not kept"), element.line);
+        dropText(element.name, element.line, changes);
     }
     if (blank || !element.children.empty()) {
         element.text.clear();
@@ -141,6 +145,17 @@ Element readElement(QXmlStreamReader& reader, Changes& changes)
     }
 }
 
+Element rootOf(const QByteArray& bytes)
+{
+    QBuffer device;
+    device.setData(bytes);
+    device.open(QIODevice::ReadOnly);
+    QXmlStreamReader reader(&device);
+    reader.setNamespaceProcessing(false);
+    reader.readNextStartElement();
+    return startedElement(reader);
+}
+
 void walkElements(
     const QByteArray& bytes, Changes* changes, const std::function<bool(QXmlStreamReader&)>& each)
 {
@@ -149,15 +164,17 @@ void walkElements(
     device.open(QIODevice::ReadOnly);
     QXmlStreamReader reader(&device);
     reader.setNamespaceProcessing(false);
-    bool inRoot = false;
+    QString root;
     while (!reader.atEnd()) {
         reader.readNext();
-        if (reader.isStartElement() && !inRoot) {
-            inRoot = true;
+        if (reader.isStartElement() && root.isEmpty()) {
+            root = reader.qualifiedName().toString();
         } else if (reader.isStartElement() && !each(reader)) {
             return;
         } else if (changes != nullptr && (reader.isComment() || reader.isProcessingInstruction())) {
             dropComment(reader, *changes);
+        } else if (changes != nullptr && reader.isCharacters() && !reader.isWhitespace()) {
+            dropText(root, lineOf(reader), *changes);
         }
     }
     if (reader.hasError()) {

@@ -51,12 +51,16 @@ struct Element
 ///     or if it does not end
 [[nodiscard]] Element readElement(QXmlStreamReader& reader, Changes& changes);
 
+/// The root's start tag, without what is in the root.
+/// \param bytes  must have passed xml::checkXml
+[[nodiscard]] Element rootOf(const QByteArray& bytes);
+
 /// Tells of the comment or processing instruction at the reader's position.
 void dropComment(const QXmlStreamReader& reader, Changes& changes);
 
 /// Calls `each` with the reader at the start of every element directly below the
 /// root; `each` has to read on to the end of it, and says whether to go on.
-/// \param changes  told of comments outside of these elements; may be null
+/// \param changes  told of comments and texts outside of these elements; may be null
 /// \throws std::runtime_error what `each` throws, or if the document is no XML
 void walkElements(
     const QByteArray& bytes, Changes* changes, const std::function<bool(QXmlStreamReader&)>& each);

@@ -26,7 +26,7 @@ void convertTime(Element& time, Changes& changes)
         changes.rewritten(
             QStringLiteral("image/time"), QStringLiteral("yyyy:MM:dd hh:mm:ss"), time.line);
     }
-    time.attributes.clear();
+    clearAttributes(time, QStringLiteral("image/time"), QStringLiteral("value"), changes);
     time.text = after;
 }
 
@@ -47,19 +47,20 @@ void convertImageChild(Element& child, Changes& changes)
 /// \returns false if it says none
 bool convertVerticalDef(Element& definition, Changes& changes)
 {
-    const QString* height = definition.attribute(QStringLiteral("value"));
-    if (height == nullptr) {
-        height = definition.attribute(QStringLiteral("geoidHeight"));
+    QString source = QStringLiteral("value");
+    if (definition.attribute(source) == nullptr) {
+        source = QStringLiteral("geoidHeight");
     }
-    if (height == nullptr) {
+    const std::optional<QString> height = definition.takeAttribute(source);
+    if (!height) {
         changes.dropped(
             definition.name, QStringLiteral("it has no height of the geoid"), definition.line);
         return false;
     }
-    const QString shift = *height;
+    clearAttributes(definition, definition.name, source, changes);
     definition.attributes = {
         {QStringLiteral("model"), QStringLiteral("constShift")},
-        {QStringLiteral("geoidHeight"), shift}};
+        {QStringLiteral("geoidHeight"), *height}};
     changes.rewritten(definition.name, QStringLiteral("verticalDef@geoidHeight"), definition.line);
     return true;
 }
@@ -126,6 +127,40 @@ void renameAttribute(
             QStringLiteral("%1 is set by %2 before").arg(after, holding), element.line);
         attributes.erase(second);
     }
+}
+
+void attributeFromChild(
+    Element& element, const QString& path, const QString& child, const QString& attribute,
+    Changes& changes)
+{
+    std::vector<Element> kept;
+    for (Element& one : element.children) {
+        const QString value = one.value().trimmed();
+        if (one.name != child || !one.children.empty() || value.isEmpty()) {
+            kept.push_back(std::move(one));
+            continue;
+        }
+        const QString what = path + QLatin1Char('/') + child;
+        if (element.attribute(attribute) != nullptr) {
+            changes.dropped(what, QStringLiteral("it is there before"), one.line);
+        } else {
+            element.setAttribute(attribute, value);
+            changes.renamed(what, path + QLatin1Char('@') + attribute, one.line);
+        }
+    }
+    element.children = std::move(kept);
+}
+
+void clearAttributes(Element& element, const QString& path, const QString& used, Changes& changes)
+{
+    for (const Attribute& attribute : element.attributes) {
+        if (attribute.name != used) {
+            changes.dropped(
+                path + QLatin1Char('@') + attribute.name,
+                QStringLiteral("it has no place in the result"), element.line);
+        }
+    }
+    element.attributes.clear();
 }
 
 void renameAttributesOfCamera(Element& camera, const QString& path, Changes& changes)

@@ -30,6 +30,17 @@ void renameAttribute(
     Element& element, const QString& path, const QString& before, const QString& after,
     Changes& changes);
 
+/// What the first child `child` says, an attribute says from now on; unless it does
+/// already, then the child is dropped like all others of that name. A child that says
+/// nothing or has children is left alone.
+/// \param path  of the element, by which the change is told
+void attributeFromChild(
+    Element& element, const QString& path, const QString& child, const QString& attribute,
+    Changes& changes);
+
+/// Takes all attributes away. Those other than `used` are told as dropped.
+void clearAttributes(Element& element, const QString& path, const QString& used, Changes& changes);
+
 /// Gives the attributes of an element "camera", wherever it stands, their current names.
 void renameAttributesOfCamera(Element& camera, const QString& path, Changes& changes);
 

@@ -80,9 +80,10 @@ void convertGcp(Element& gcp, Changes& changes)
         throw std::runtime_error("GCP:tolerance not supported anymore");
     }
     for (const QString& axes : {QStringLiteral("XY"), QStringLiteral("Z")}) {
-        renameAttribute(
-            gcp, gcp.name, QStringLiteral("tolerance") + axes, QStringLiteral("accuracy") + axes,
-            changes);
+        const QString before = QStringLiteral("tolerance") + axes;
+        const QString after = QStringLiteral("accuracy") + axes;
+        renameAttribute(gcp, gcp.name, before, after, changes);
+        attributeFromChild(gcp, gcp.name, before, after, changes);
     }
     arrange(gcp, positions, {QStringLiteral("mark")}, changes);
     changes.moved(QStringLiteral("gcp"), QStringLiteral("gcps/gcp"), gcp.line);

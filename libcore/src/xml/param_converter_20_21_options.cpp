@@ -30,14 +30,14 @@ OptionSections::OptionSections(const XsdTypeElementIndex& index)
           index.orthoOptionsElements(), index.indexOptionsElements()}
 {}
 
-void OptionSections::place(Element element, Changes& changes)
+bool OptionSections::place(Element element, Changes& changes)
 {
     const QString before = element.name;
     element.name = currentName(before);
-    placeRenamed(before, std::move(element), changes);
+    return placeRenamed(before, std::move(element), changes);
 }
 
-void OptionSections::placeRenamed(const QString& before, Element element, Changes& changes)
+bool OptionSections::placeRenamed(const QString& before, Element element, Changes& changes)
 {
     for (std::size_t i = 0; i < kNames.size(); ++i) {
         const auto listed = m_positions[i].find(element.name);
@@ -49,16 +49,17 @@ void OptionSections::placeRenamed(const QString& before, Element element, Change
             changes.dropped(
                 before, QStringLiteral("%1 is set by %2 before").arg(element.name, placed->second),
                 element.line);
-            return;
+            return false;
         }
         const QString into =
             QStringLiteral("options/%1/%2").arg(QLatin1String(kNames[i]), element.name);
         before == element.name ? changes.moved(before, into, element.line)
                                : changes.renamed(before, into, element.line);
         m_sections[i].emplace(listed->second, std::move(element));
-        return;
+        return true;
     }
     changes.dropped(before, QStringLiteral("no such option is known"), element.line);
+    return false;
 }
 
 bool OptionSections::has(const QString& name) const

@@ -21,11 +21,12 @@ public:
     /// Gives an element of the old document its current name and section. The
     /// first of several for one option holds; others, and those that no section
     /// lists, are dropped.
-    void place(Element element, Changes& changes);
+    /// \returns whether it was placed
+    bool place(Element element, Changes& changes);
 
     /// Likewise for one that has its current name already.
     /// \param before  its name in the old document
-    void placeRenamed(const QString& before, Element element, Changes& changes);
+    bool placeRenamed(const QString& before, Element element, Changes& changes);
 
     /// Whether an option of this current name was placed.
     [[nodiscard]] bool has(const QString& name) const;

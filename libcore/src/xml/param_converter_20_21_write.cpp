@@ -54,9 +54,17 @@ QByteArray OldDocument::write()
     return result;
 }
 
+void OldDocument::writeRoot(QXmlStreamWriter& writer, const char* name) const
+{
+    writer.writeStartElement(QLatin1String(name));
+    for (const Attribute& declaration : m_namespaces) {
+        writer.writeAttribute(declaration.name, declaration.value);
+    }
+}
+
 void OldDocument::writeProject(QXmlStreamWriter& writer)
 {
-    writer.writeStartElement(QStringLiteral("lumodesk"));
+    writeRoot(writer, "lumodesk");
     writer.writeStartElement(QStringLiteral("software"));
     xml::writeTag(writer, QStringLiteral("product"), m_origin.product);
     xml::writeTag(writer, QStringLiteral("projectVersion"), kProjectVersion);
@@ -75,7 +83,7 @@ void OldDocument::writeProject(QXmlStreamWriter& writer)
 
 void OldDocument::writeTemplate(QXmlStreamWriter& writer) const
 {
-    writer.writeStartElement(QStringLiteral("lumotmpl"));
+    writeRoot(writer, "lumotmpl");
     writer.writeStartElement(QStringLiteral("information"));
     writeInOrder(writer, {"name", "description"}, m_information);
     xml::writeTag(writer, QStringLiteral("version"), kProjectVersion);
