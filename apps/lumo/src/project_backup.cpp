@@ -33,6 +33,16 @@ bool sameContent(const QString& one, const QString& other, bool& same, QString& 
     return true;
 }
 
+bool copyWithFolder(const QString& file, const QString& target, QString& error)
+{
+    const QString folder = file::dirname(target);
+    if (!file::mkdir(folder)) {
+        error = folder + QStringLiteral(": the folder cannot be made");
+        return false;
+    }
+    return file::copy(file, target, error);
+}
+
 } // namespace
 
 bool isSameFile(const QString& one, const QString& other)
@@ -67,8 +77,9 @@ bool backUp(const QString& file, const QString& backup, QString& error)
     if (file::exists(backup)) {
         return true;
     }
-    if (!file::mkdir(file::dirname(backup)) || !file::copy(file, backup, error)) {
-        error = QStringLiteral("no backup could be made: ") + error;
+    QString reason;
+    if (!copyWithFolder(file, backup, reason)) {
+        error = QStringLiteral("no backup could be made: ") + reason;
         return false;
     }
     bool same = false;

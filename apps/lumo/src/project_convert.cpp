@@ -161,7 +161,7 @@ ExitCode run(ParamConverter& converter, const Job& job, const CommonOptions& opt
     if (!job.backup.isEmpty() && !backUp(job.file, job.backup, error)) {
         throw std::runtime_error(error.toStdString());
     }
-    converter.setKpxBackupPath(QString()); // it has been made
+    converter.skipBackup(); // it has been made, read back and compared
     if (!converter.convert(job.output, error)) {
         throw std::runtime_error(error.toStdString());
     }
@@ -237,9 +237,7 @@ ExitCode convert(const ConvertRequest& request, const CommonOptions& options)
             return failed(path, QStringLiteral("is no folder, and there are several files"));
         }
     }
-    // Without it the converter makes no backups of its own accord.
-    const bool automatic = request.output.isEmpty() && request.backup == QLatin1String("auto");
-    ParamConverter::setTemplatesDataLocation(automatic ? options.dataDirectory : QString());
+    ParamConverter::setTemplatesDataLocation(options.dataDirectory);
     return forEachFile(request.paths, options, [&](const QString& file) {
         return convertOne(file, request, options);
     });

@@ -196,4 +196,24 @@ TEST_F(ProjectCommand, TemplatesOfAFolderAreKeptInTheDataFolder)
     EXPECT_EQ(this->run({"validate", first, m_folder.filePath("one.tmpl")}).exitCode, 0);
 }
 
+TEST_F(ProjectCommand, WithoutABackupNothingIsSaidOfOne)
+{
+    const QString file = copyOf("templates/quick_format_1.tmpl");
+    EXPECT_EQ(run({"convert", "-o", m_folder.filePath("out.tmpl"), file}).err, "");
+    EXPECT_EQ(run({"convert", "--backup", "none", file}).err, "");
+    EXPECT_FALSE(QDir(m_folder.filePath("data/templates_backups21")).exists());
+}
+
+TEST_F(ProjectCommand, ABackupThatCannotBeMadeIsSaidWithTheReason)
+{
+    const QString file = copyOf("templates/quick_format_1.tmpl");
+    const ProgramRun run = this->run({"convert", "--backup", file + "/in/it", file});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(
+        run.err, QStringLiteral("lumo: %1: no backup could be made: %1/in: the folder cannot be "
+                                "made\n")
+                     .arg(file));
+    EXPECT_EQ(read(file), read(samplePath("templates/quick_format_1.tmpl")));
+}
+
 } // namespace

@@ -68,6 +68,7 @@ class LUMO_CORE_NO_EXPORT ParamConverter::Impl
 public:
     QString inputFile;
     QString backupPath; ///< as set, for projects
+    bool skipsBackup = false;
     kpx::FileVersion version;
     std::vector<kpx::Step> steps;
     bool isNewerVersion = false;
@@ -281,6 +282,11 @@ QString ParamConverter::backupPath() const
     return m_impl->backupFile();
 }
 
+void ParamConverter::skipBackup()
+{
+    m_impl->skipsBackup = true;
+}
+
 void ParamConverter::setStepListener(StepListener listener)
 {
     m_impl->listener = std::move(listener);
@@ -292,7 +298,9 @@ bool ParamConverter::convert(const QString& outputFile, QString& error)
         error = QStringLiteral("nothing is to be converted");
         return false;
     }
-    m_impl->backUp();
+    if (!m_impl->skipsBackup) {
+        m_impl->backUp();
+    }
     QByteArray result;
     if (!m_impl->convert(result, nullptr, error)) {
         return false;

@@ -67,16 +67,20 @@ public:
     void setKpxBackupPath(const QString& path);
     /// The folder in which "templates_backups20" and "templates_backups21" hold
     /// the backups of templates, of all converters of the process. To be called
-    /// before threads start. Without it templates have no backup.
+    /// before threads start. Without it templates have no backup, which `convert`
+    /// says in a warning.
     static void setTemplatesDataLocation(const QString& dir);
     /// Where `convert` puts the backup, by the two settings above; empty if nowhere.
     [[nodiscard]] QString backupPath() const;
+    /// `convert` makes no backup, whatever the settings, and says nothing of one: for
+    /// applications that make it themselves, or were told to do without.
+    void skipBackup();
 
     void setStepListener(StepListener listener);
 
-    /// Copies the file to backupPath(), unless something is there already; runs
-    /// the steps in memory; and replaces `outputFile`, which may be the input file,
-    /// by the result. Afterwards nothing is left to be done. A backup that cannot
+    /// Copies the file to backupPath(), unless something is there already or the
+    /// backup is to be skipped; runs the steps in memory; and replaces `outputFile`, which may be
+    /// the input file, by the result. Afterwards nothing is left to be done. A backup that cannot
     /// be made is logged, and the conversion goes on.
     /// \param[out] error  the reason on failure, else untouched
     /// \returns false, with `outputFile` untouched, if there was nothing to be
