@@ -260,7 +260,7 @@ bool domFromString(const QString& text, QDomDocument& document, QString& error)
     return build(reader, document, error);
 }
 
-bool domFromFile(const QString& path, QDomDocument& document, QString& error)
+bool readFile(const QString& path, QByteArray& content, QString& error)
 {
     constexpr qint64 kMaxBytes = qint64{1} << 30;
     const auto fail = [&](const QString& reason) {
@@ -277,12 +277,26 @@ bool domFromFile(const QString& path, QDomDocument& document, QString& error)
     if (file.size() > kMaxBytes) {
         return fail(QStringLiteral("larger than %1 bytes").arg(kMaxBytes));
     }
-    const QByteArray bytes = file.readAll();
+    QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) {
         return fail(file.errorString());
     }
+    content = std::move(bytes);
+    return true;
+}
+
+bool domFromFile(const QString& path, QDomDocument& document, QString& error)
+{
+    QByteArray bytes;
+    if (!readFile(path, bytes, error)) {
+        return false;
+    }
     QString reason;
-    return domFromBytes(bytes, document, reason) || fail(reason);
+    if (!domFromBytes(bytes, document, reason)) {
+        error = QStringLiteral("%1: %2").arg(path, reason);
+        return false;
+    }
+    return true;
 }
 
 } // namespace lumo::xml

@@ -172,6 +172,10 @@ TEST(XmlDocument, AFileThatCannotBeReadIsNamed)
     file.write("</b></a>");
     file.close();
     EXPECT_TRUE(domFromFile(path, document, error)) << qPrintable(error);
+
+    ASSERT_TRUE(file.resize((qint64{1} << 30) + 1)); // on disk it takes no more
+    EXPECT_FALSE(domFromFile(path, document, error));
+    EXPECT_EQ(error, path + QStringLiteral(": larger than 1073741824 bytes"));
 }
 
 } // namespace

@@ -281,6 +281,14 @@ TEST_F(ParamConverter_, ReadsTheVersionPlansTheStepsAndTakesThem)
                 << planned.document;
         }
     }
+    const log::Capture log;
+    const ParamConverter unreadable(
+        file(
+            "in", kDeclaration + "<lumodesk><software>\n<kpxVersion>x\n</kpxVersion></software>"
+                                 "</lumodesk>"),
+        kTarget);
+    EXPECT_TRUE(log.contains(
+        log::Level::Warning, "line 3: element kpxVersion: \"x\" is not a version, 0 is used"));
 }
 
 TEST_F(ParamConverter_, RefusesWhatItCannotReadOrConvert)

@@ -156,7 +156,7 @@ std::vector<ConversionChange> ParamConverter::Impl::changesOf(
     }
     QByteArray stylesheet;
     QString error;
-    return kpx::readFile(kpx::stylesheetOf(step, version.isTemplate), stylesheet, error)
+    return xml::readFile(kpx::stylesheetOf(step, version.isTemplate), stylesheet, error)
                ? kpx::stylesheetChanges(stylesheet, input)
                : std::vector<ConversionChange>();
 }
@@ -194,7 +194,7 @@ bool ParamConverter::Impl::convert(
 {
     QByteArray document;
     QString reason;
-    if (!kpx::readFile(inputFile, document, reason)) {
+    if (!xml::readFile(inputFile, document, reason)) {
         return fail(reason, error);
     }
     int done = 0;
@@ -221,7 +221,7 @@ ParamConverter::ParamConverter(const QString& file, int targetVersion)
     }
     QByteArray bytes;
     QString reason;
-    if (!kpx::readFile(file, bytes, reason) || !xml::checkXml(bytes, reason)) {
+    if (!xml::readFile(file, bytes, reason) || !xml::checkXml(bytes, reason)) {
         log::warning() << reason;
         throw std::runtime_error("Could not read XML from input file");
     }

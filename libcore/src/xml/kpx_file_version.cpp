@@ -5,8 +5,6 @@
 #include "lumo/foundation/text.h"
 
 #include <QBuffer>
-#include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QXmlStreamReader>
 
@@ -36,6 +34,7 @@ struct VersionTexts
 {
     std::optional<QString> product;
     std::optional<QString> format;
+    qint64 formatLine = 0;
 };
 
 VersionTexts readTexts(QXmlStreamReader& reader, QLatin1String productTag)
@@ -46,6 +45,7 @@ VersionTexts readTexts(QXmlStreamReader& reader, QLatin1String productTag)
             texts.product =
                 reader.readElementText(QXmlStreamReader::IncludeChildElements).trimmed();
         } else if (reader.qualifiedName() == QLatin1String("kpxVersion") && !texts.format) {
+            texts.formatLine = reader.lineNumber();
             texts.format = reader.readElementText(QXmlStreamReader::IncludeChildElements);
         } else {
             reader.skipCurrentElement();
@@ -65,8 +65,9 @@ int formatOf(const VersionTexts& texts)
     bool ok = false;
     const int format = text::fromString<int>(*texts.format, &ok);
     if (!ok || format < 0 || !number.match(*texts.format).hasMatch()) {
-        log::warning() << QStringLiteral("element kpxVersion: \"%1\" is not a version, 0 is used")
-                              .arg(texts.format->left(40));
+        log::warning()
+            << QStringLiteral("line %1: element kpxVersion: \"%2\" is not a version, 0 is used")
+                   .arg(QString::number(texts.formatLine), texts.format->trimmed().left(40));
         return 0;
     }
     return format;
@@ -94,31 +95,6 @@ FileVersion ofTemplate(QXmlStreamReader& reader)
 }
 
 } // namespace
-
-bool readFile(const QString& path, QByteArray& bytes, QString& error)
-{
-    constexpr qint64 kMaxBytes = qint64{1} << 30;
-    const auto fail = [&](const QString& reason) {
-        error = path + QStringLiteral(": ") + reason;
-        return false;
-    };
-    QFile file(path);
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) {
-        return fail(QStringLiteral("not a regular file"));
-    }
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(file.errorString());
-    }
-    if (file.size() > kMaxBytes) {
-        return fail(QStringLiteral("larger than %1 bytes").arg(kMaxBytes));
-    }
-    QByteArray content = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        return fail(file.errorString());
-    }
-    bytes = std::move(content);
-    return true;
-}
 
 Origin originOfOldProject(const QByteArray& bytes)
 {

@@ -21,10 +21,6 @@ struct Origin
     QString version = QStringLiteral("2.0");
 };
 
-/// The content of a regular file of at most 1 GiB.
-/// \param[out] error  on failure "PATH: reason", else untouched
-[[nodiscard]] bool readFile(const QString& path, QByteArray& bytes, QString& error);
-
 /// The values of the first elements `id` and `projectVersion` below the root, or what
 /// holds where they are missing. Versions of "gaiprain" were counted otherwise: all
 /// its projects are of 2.0.

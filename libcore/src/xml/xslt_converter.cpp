@@ -5,7 +5,7 @@
 #include "lumo/foundation/log.h"
 #include "xml/xslt_engines.h"
 
-#include <QFile>
+#include <QIODevice>
 #include <QXmlStreamReader>
 
 #include <stdexcept>
@@ -15,12 +15,10 @@ namespace {
 
 bool readStylesheet(const QString& path, xml::Stylesheet& stylesheet, QString& error)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = path + QStringLiteral(": ") + file.errorString();
+    QByteArray text;
+    if (!xml::readFile(path, text, error)) {
         return false;
     }
-    const QByteArray text = file.readAll();
     QString reason;
     if (!xml::checkXml(text, reason)) {
         error = path + QStringLiteral(": ") + reason;

@@ -33,6 +33,12 @@ inline constexpr int kMaxDepth = 256;                   ///< elements in element
 inline constexpr int kMaxTextLength = 16 * 1024 * 1024; ///< UTF-16 units
 inline constexpr int kMaxAttributes = 1000;             ///< of one element
 
+/// The bytes of a regular file or Qt resource of at most 1 GiB, not looked at yet.
+/// \param[out] content  replaced on success, untouched on failure
+/// \param[out] error    on failure "PATH: reason", else untouched
+[[nodiscard]] LUMO_CAMERADATA_EXPORT bool readFile(
+    const QString& path, QByteArray& content, QString& error);
+
 /// Whether the functions below would take these bytes, for readers that build
 /// something else than a QDomDocument of them.
 /// \param[out] error  on failure why, else untouched
@@ -47,7 +53,7 @@ inline constexpr int kMaxAttributes = 1000;             ///< of one element
 [[nodiscard]] LUMO_CAMERADATA_EXPORT bool domFromString(
     const QString& text, QDomDocument& document, QString& error);
 
-/// Likewise for a regular file or Qt resource of at most 1 GiB.
+/// Likewise for a file that readFile takes.
 /// \param[out] error  on failure "PATH: line L: reason" or "PATH: reason"
 [[nodiscard]] LUMO_CAMERADATA_EXPORT bool domFromFile(
     const QString& path, QDomDocument& document, QString& error);
