@@ -6,12 +6,12 @@
 #include "lumo/foundation/log.h"
 #include "xml/kpx_steps.h"
 #include "xml/kpx_stylesheet_changes.h"
+#include "xml/xslt_error.h"
 
 #include <QBuffer>
 
 #include <algorithm>
 #include <stdexcept>
-#include <thread>
 
 namespace lumo {
 namespace {
@@ -22,33 +22,6 @@ QString& templatesDataLocation()
     static QString location;
     return location;
 }
-
-/// Keeps the last reason that the stylesheet engine logs on this thread: its
-/// exception does not tell it.
-class EngineReason
-{
-public:
-    EngineReason() { log::addSink(m_sink); }
-    EngineReason(const EngineReason&) = delete;
-    EngineReason& operator=(const EngineReason&) = delete;
-    ~EngineReason() { log::removeSink(m_sink); }
-
-    [[nodiscard]] QString with(const char* text) const
-    {
-        const QString what = QString::fromUtf8(text);
-        return m_reason.isEmpty() ? what : what + QStringLiteral(": ") + m_reason;
-    }
-
-private:
-    QString m_reason;
-    std::thread::id m_thread = std::this_thread::get_id();
-    std::shared_ptr<log::Sink> m_sink = log::makeCallbackSink([this](const log::Record& record) {
-        if (std::this_thread::get_id() == m_thread && record.level == log::Level::Warning &&
-            record.source == QLatin1String("xslt_converter")) {
-            m_reason = record.text;
-        }
-    });
-};
 
 QByteArray run(IXmlConversion& conversion, QByteArray& document)
 {
@@ -86,13 +59,19 @@ public:
         QString& error) const;
     [[nodiscard]] std::vector<ConversionChange> changesOf(
         const kpx::Step& step, const IXmlConversion& conversion, const QByteArray& input) const;
+    void logFailure(const QString& reason) const;
     [[nodiscard]] bool fail(const QString& reason, QString& error) const; ///< logs it
 };
 
-bool ParamConverter::Impl::fail(const QString& reason, QString& error) const
+void ParamConverter::Impl::logFailure(const QString& reason) const
 {
     log::important() << QStringLiteral("Failure converting kpx file [") + inputFile +
                             QStringLiteral("]. ") + reason;
+}
+
+bool ParamConverter::Impl::fail(const QString& reason, QString& error) const
+{
+    logFailure(reason);
     error = reason;
     return false;
 }
@@ -165,7 +144,6 @@ bool ParamConverter::Impl::runStep(
     const kpx::Step& step, QByteArray& document, std::vector<ConversionStepReport>* reports,
     QString& error) const
 {
-    const EngineReason engine;
     try {
         log::step() << step.label;
         QString reason;
@@ -181,10 +159,13 @@ bool ParamConverter::Impl::runStep(
         if (reports != nullptr) {
             reports->push_back({step.label, changesOf(step, *conversion, input)});
         }
-    } catch (const std::runtime_error& fault) {
-        static_cast<void>(fail(QString::fromUtf8(fault.what()), error));
-        error = engine.with(fault.what());
+    } catch (const xml::XsltError& fault) {
+        const QString what = QString::fromUtf8(fault.what());
+        logFailure(what); // the reason is in the log already
+        error = what + QStringLiteral(": ") + fault.reason();
         return false;
+    } catch (const std::runtime_error& fault) {
+        return fail(QString::fromUtf8(fault.what()), error);
     }
     return true;
 }

@@ -4,11 +4,10 @@
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/foundation/log.h"
 #include "xml/xslt_engines.h"
+#include "xml/xslt_error.h"
 
 #include <QIODevice>
 #include <QXmlStreamReader>
-
-#include <stdexcept>
 
 namespace lumo {
 namespace {
@@ -35,6 +34,17 @@ bool isXslt1(const QByteArray& stylesheet)
            reader.attributes().value(QLatin1String("version")) == QLatin1String("1.0");
 }
 
+/// libxml2 has limits of its own, which do for most documents, so that the pass through
+/// xml::checkXml can be spared. They are lower than those of checkXml, and what they
+/// refuse may still be good: a failure is no answer.
+bool transformUnchecked(
+    const xml::Stylesheet& stylesheet, const QByteArray& document, QByteArray& result)
+{
+    QString reason;
+    return xml::isHarmless(document) &&
+           xml::transformWithLibxslt(stylesheet, document, xml::Guard::ByParser, result, reason);
+}
+
 bool transform(const QString& xslFile, QIODevice* input, QByteArray& result, QString& error)
 {
     if (input == nullptr || !input->isReadable()) {
@@ -46,16 +56,14 @@ bool transform(const QString& xslFile, QIODevice* input, QByteArray& result, QSt
     if (!readStylesheet(xslFile, stylesheet, error)) {
         return false;
     }
-    const bool isFirst = isXslt1(stylesheet.text);
-    QString unused;
-    if (isFirst && xml::isHarmless(document) &&
-        xml::transformWithLibxslt(stylesheet, document, xml::Guard::ByParser, result, unused)) {
+    const bool forLibxslt = isXslt1(stylesheet.text);
+    if (forLibxslt && transformUnchecked(stylesheet, document, result)) {
         return true;
     }
     if (!xml::checkXml(document, error)) {
         return false;
     }
-    return isFirst
+    return forLibxslt
                ? xml::transformWithLibxslt(stylesheet, document, xml::Guard::Checked, result, error)
                : xml::transformWithXmlQuery(stylesheet, document, result, error);
 }
@@ -81,7 +89,7 @@ QByteArray XsltConverter::convert(QIODevice* input)
     QString error;
     if (!transform(m_xslFile, input, result, error)) {
         log::warning() << error;
-        throw std::runtime_error("Cannot transform XML using XSLT");
+        throw xml::XsltError(error);
     }
     return QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n") + result;
 }
