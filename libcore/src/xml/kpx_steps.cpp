@@ -4,10 +4,8 @@
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/system.h"
 #include "lumo/foundation/text.h"
+#include "xml/schema_versions.h"
 
-#include <QDir>
-
-#include <algorithm>
 #include <stdexcept>
 
 namespace lumo::kpx {
@@ -26,25 +24,13 @@ QString schemaPath(int version, bool isTemplate)
     return installed("%1/resources/xsd/%2/%3.xsd", version, isTemplate);
 }
 
-/// The numbers of the folders of schemas, smallest first.
-std::vector<int> schemaVersions()
-{
-    const QDir folder(system::applicationDirectory() + QStringLiteral("/resources/xsd"));
-    std::vector<int> versions;
-    for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        versions.push_back(name.toInt());
-    }
-    std::sort(versions.begin(), versions.end());
-    return versions;
-}
-
 QString labelOf(int from)
 {
     const QString label = QStringLiteral("XSLT conversion from version %1 to %2");
     if (from != kDevelopmentVersion) {
         return label.arg(from).arg(from + 1);
     }
-    const std::vector<int> versions = schemaVersions();
+    const std::vector<int> versions = xml::schemaVersions();
     return label.arg(versions.size() < 2 ? 0 : versions[versions.size() - 2]).arg(from);
 }
 
@@ -85,7 +71,7 @@ std::unique_ptr<IXmlConversion> createConversion(const Step& step, bool isTempla
     }
     int schema = step.from;
     if (step.from == kDevelopmentVersion) {
-        const std::vector<int> versions = schemaVersions();
+        const std::vector<int> versions = xml::schemaVersions();
         if (versions.size() < 2) {
             reason = QStringLiteral("Folders in $AppDir/resources/xsd have been removed.");
             return nullptr;

@@ -2,11 +2,10 @@
 #include "lumo/core/xml/lumo_xml_validator.h"
 
 #include "lumo/cameradata/xml_document.h"
-#include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
-#include "lumo/foundation/system.h"
 #include "xml/quick_schema.h"
 #include "xml/restricted_network.h"
+#include "xml/schema_versions.h"
 
 #include <QAbstractMessageHandler>
 #include <QDir>
@@ -17,26 +16,16 @@
 #include <QXmlSchema>
 #include <QXmlSchemaValidator>
 
-#include <algorithm>
+#include <vector>
 
 namespace lumo {
 
 QString getCurrentXsdPath()
 {
-    const QDir folder(file::join(system::applicationDirectory(), QStringLiteral("resources/xsd")));
-    if (!folder.exists()) {
-        return {};
-    }
-    const QStringList names = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    if (names.isEmpty()) {
-        return {};
-    }
-    std::vector<int> numbers;
-    for (const QString& name : names) {
-        numbers.push_back(name.toInt());
-    }
-    const int largest = *std::max_element(numbers.begin(), numbers.end());
-    return folder.absoluteFilePath(QString::number(largest));
+    const std::vector<int> versions = xml::schemaVersions();
+    return versions.empty()
+               ? QString()
+               : QDir(xml::schemasFolder()).absoluteFilePath(QString::number(versions.back()));
 }
 
 namespace xml {
