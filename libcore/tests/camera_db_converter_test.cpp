@@ -261,11 +261,15 @@ TEST_F(CameraDbConverter_, StylesheetsBringOldFormsUpToDate)
 TEST_F(CameraDbConverter_, NothingIsDoneToCurrentAndNewerDatabases)
 {
     for (const char* version :
-         {"<version value='19'/>", "<version value='20'>5</version>", "<version>19</version>"}) {
+         {"<version value='19'/>", "<version value='20'>5</version>", "<version>19</version>",
+          "<version>5000000000</version>"}) {
         const QString input =
             file("in.xml", QByteArray("<cameraModelDB>") + version + "</cameraModelDB>");
         CameraDbConverter converter(input);
         EXPECT_FALSE(converter.needsConvertion()) << version;
+        QString error;
+        EXPECT_FALSE(converter.convert(m_folder.filePath("out.xml"), error)) << version;
+        EXPECT_EQ(error, "is of the current version or newer");
         EXPECT_FALSE(converter.convert(m_folder.filePath("out.xml"))) << version;
         EXPECT_FALSE(QFile::exists(m_folder.filePath("out.xml"))) << version;
     }

@@ -62,7 +62,9 @@ TEST_F(XmlValidator, AFailedLoadSaysWhyAndKeepsTheEarlierSchema)
         {file("other.xsd", "<a/>"), "No valid schema"}};
     for (const auto& [path, text] : cases) {
         const log::Capture log;
-        EXPECT_FALSE(m_validator.loadXsd(path)) << qPrintable(path);
+        QString error;
+        EXPECT_FALSE(m_validator.loadXsd(path, error)) << qPrintable(path);
+        EXPECT_FALSE(error.isEmpty()) << qPrintable(path);
         EXPECT_TRUE(log.contains(log::Level::Important, text)) << qPrintable(path);
         EXPECT_EQ(log.records().back().source, "lumo_xml_validator");
         EXPECT_FALSE(m_validator.isXsdLoaded()) << qPrintable(path);
@@ -99,7 +101,9 @@ TEST_F(XmlValidator, RefusesHostileDocuments)
     EXPECT_TRUE(validates(m_validator, "<a><b c='d'/></a>"));
     for (const auto& [name, document] : test::hostileDocuments()) {
         EXPECT_FALSE(validates(m_validator, document)) << name;
-        EXPECT_FALSE(m_validator.validateXml(file("hostile.xml", document))) << name;
+        QString error;
+        EXPECT_FALSE(m_validator.validateXml(file("hostile.xml", document), error)) << name;
+        EXPECT_FALSE(error.isEmpty()) << name;
         EXPECT_FALSE(xml::XmlValidator().loadXsd(file("hostile.xsd", document))) << name;
     }
 }

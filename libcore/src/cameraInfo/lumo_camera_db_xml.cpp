@@ -5,6 +5,7 @@
 #include "cameraInfo/rig_model_xml.h"
 #include "lumo/cameradata/xml_values.h"
 #include "lumo/foundation/log.h"
+#include "xml/camera_db_version.h"
 
 #include <QDomDocument>
 #include <QXmlStreamWriter>
@@ -161,14 +162,7 @@ bool getXML(
 
 std::size_t documentVersion(const QDomDocument& document)
 {
-    constexpr std::size_t kUnknown = 0;
-    const QDomElement root = rootOf(document);
-    if (xml::hasValue(root, "version.value")) {
-        return xml::readValue(root, "version.value", kUnknown);
-    }
-    QString text;
-    xml::readTagText(root, "version", text);
-    return text.isEmpty() ? kUnknown : xml::readTag(root, "version", kUnknown);
+    return cameraDbVersion(rootOf(document));
 }
 
 bool versionSupported(std::size_t version, bool userDatabase, bool allowHigher)

@@ -2,11 +2,11 @@
 #include "lumo/core/xml/camera_db_converter.h"
 
 #include "lumo/cameradata/xml_document.h"
-#include "lumo/cameradata/xml_values.h"
 #include "lumo/core/xml/xml_conversion.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
+#include "xml/camera_db_version.h"
 
 #include <QBuffer>
 #include <QDomDocument>
@@ -22,7 +22,7 @@ namespace {
 /// One step of the chain. File names are below the application directory.
 struct Step
 {
-    int below; ///< needed for documents of a version below this one
+    std::size_t below; ///< needed for documents of a version below this one
     const char* label;
     const char* key;
     const char* xsdFile;
@@ -38,13 +38,6 @@ constexpr std::array<Step, 3> kSteps{{
 QString installed(const char* name)
 {
     return *name == '\0' ? QString() : system::applicationDirectory() + QLatin1String(name);
-}
-
-int versionOf(const QDomElement& root)
-{
-    return xml::hasValue(root, QStringLiteral("version.value"))
-               ? xml::readValue(root, QStringLiteral("version.value"), 0)
-               : xml::readTag(root, QStringLiteral("version"), 0);
 }
 
 QByteArray run(const Step& step, const QByteArray& document)
@@ -80,7 +73,7 @@ class LUMO_CORE_NO_EXPORT CameraDbConverter::Impl
 {
 public:
     QString inputFile;
-    int version = 0;
+    std::size_t version = 0;
     std::deque<const Step*> steps; ///< still to be done, first to last
 
     void plan();
@@ -99,7 +92,7 @@ void CameraDbConverter::Impl::readVersion()
     if (root.isNull()) {
         throw std::runtime_error("CameraDbConverter - Invalid first line in XML file");
     }
-    version = versionOf(root);
+    version = cameraDbVersion(root);
 }
 
 void CameraDbConverter::Impl::plan()
@@ -128,7 +121,23 @@ bool CameraDbConverter::needsConvertion() const
 
 bool CameraDbConverter::convert(const QString& outputFile)
 {
-    if (m_impl->steps.empty()) {
+    if (!needsConvertion()) {
+        return false;
+    }
+    QString error;
+    if (!convert(outputFile, error)) {
+        log::important() << QStringLiteral("Failure converting kpx file [") + m_impl->inputFile +
+                                QStringLiteral("] to [") + outputFile + QStringLiteral("]. ") +
+                                error;
+        return false;
+    }
+    return true;
+}
+
+bool CameraDbConverter::convert(const QString& outputFile, QString& error)
+{
+    if (!needsConvertion()) {
+        error = QStringLiteral("is of the current version or newer");
         return false;
     }
     try {
@@ -136,16 +145,11 @@ bool CameraDbConverter::convert(const QString& outputFile)
         for (const Step* step : m_impl->steps) {
             document = run(*step, document);
         }
-        QString error;
         if (!file::replaceAtomically(outputFile, document, error)) {
-            log::important() << error;
             return false;
         }
     } catch (const std::runtime_error& fault) {
-        const QString reason = QString::fromUtf8(fault.what());
-        log::important() << QStringLiteral("Failure converting kpx file [") + m_impl->inputFile +
-                                QStringLiteral("] to [") + outputFile + QStringLiteral("]. ") +
-                                reason;
+        error = QString::fromUtf8(fault.what());
         return false;
     }
     m_impl->steps.clear();

@@ -98,9 +98,8 @@ public:
     /// The content of a file if it is XML that may be looked at further.
     [[nodiscard]] bool read(const QString& path, QByteArray& content);
     void report(const QString& description, const QUrl& uri);
-    /// \param[out] error  the first fault of the latest validation
-    /// \returns false
-    [[nodiscard]] bool tellFirst(QString& error) const;
+    /// The first fault of the latest attempt that failed; never empty.
+    [[nodiscard]] QString firstFault() const;
 
     RestrictedNetwork schemaAccess{RestrictedNetwork::Access::LocalFiles};
     RestrictedNetwork documentAccess{RestrictedNetwork::Access::None};
@@ -122,10 +121,13 @@ void XmlValidator::Impl::report(const QString& description, const QUrl& uri)
     handler.message(QtFatalMsg, description, QUrl(), QSourceLocation(uri));
 }
 
-bool XmlValidator::Impl::tellFirst(QString& error) const
+QString XmlValidator::Impl::firstFault() const
 {
-    error = validator ? handler.first : QStringLiteral("no schema is loaded");
-    return false;
+    if (!handler.first.isEmpty()) {
+        return handler.first;
+    }
+    return validator ? QStringLiteral("does not satisfy the schema")
+                     : QStringLiteral("no schema is loaded");
 }
 
 bool XmlValidator::Impl::read(const QString& path, QByteArray& content)
@@ -191,6 +193,16 @@ bool XmlValidator::loadXsd(const QString& xsdFile)
     return m_impl->load(xsdFile);
 }
 
+bool XmlValidator::loadXsd(const QString& xsdFile, QString& error)
+{
+    m_impl->handler.first.clear();
+    if (!loadXsd(xsdFile)) {
+        error = m_impl->firstFault();
+        return false;
+    }
+    return true;
+}
+
 bool XmlValidator::isXsdLoaded() const
 {
     return m_impl->schema.isValid();
@@ -218,13 +230,21 @@ bool XmlValidator::validateXml(const QString& xmlFile)
 bool XmlValidator::validateXml(const QString& xmlFile, QString& error)
 {
     m_impl->handler.first.clear();
-    return validateXml(xmlFile) || m_impl->tellFirst(error);
+    if (!validateXml(xmlFile)) {
+        error = m_impl->firstFault();
+        return false;
+    }
+    return true;
 }
 
 bool XmlValidator::validateXml(QIODevice& device, QString& error)
 {
     m_impl->handler.first.clear();
-    return validateXml(device) || m_impl->tellFirst(error);
+    if (!validateXml(device)) {
+        error = m_impl->firstFault();
+        return false;
+    }
+    return true;
 }
 
 } // namespace xml

@@ -33,6 +33,9 @@ public:
     /// \returns false, with no file touched, if there was nothing to be done or
     ///     something failed, which is logged; the call may then be repeated
     [[nodiscard]] bool convert(const QString& outputFile);
+    /// Likewise, but nothing is logged.
+    /// \param[out] error  on failure why, else untouched
+    [[nodiscard]] bool convert(const QString& outputFile, QString& error);
 
 private:
     class Impl;

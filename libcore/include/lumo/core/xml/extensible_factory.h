@@ -15,7 +15,7 @@ template <typename T>
 class ExtensibleFactory
 {
 public:
-    /// Makes a new object; never null.
+    /// Makes a new object, which `create` hands on unseen.
     using Creator = std::unique_ptr<T> (*)();
 
     /// A key that is known already gets the new creator.

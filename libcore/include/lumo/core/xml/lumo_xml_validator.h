@@ -34,6 +34,9 @@ public:
     /// Loads a schema from a local file. When that fails, the schema loaded
     /// before stays in use for validateXml.
     [[nodiscard]] bool loadXsd(const QString& xsdFile);
+    /// Likewise.
+    /// \param[out] error  on failure why, with the line where it is known; else untouched
+    [[nodiscard]] bool loadXsd(const QString& xsdFile, QString& error);
 
     /// Whether the latest loadXsd succeeded.
     [[nodiscard]] bool isXsdLoaded() const;
