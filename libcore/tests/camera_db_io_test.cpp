@@ -61,6 +61,12 @@ protected:
         return contentOf(sourcePath("samples/camdb/camdb_%1.xml").arg(version));
     }
 
+    /// The text form, whose digits tell any two numbers apart.
+    static QString internalText(const CameraModelDb& store)
+    {
+        return cameradb::writeTextDB(store.internalData());
+    }
+
     QTemporaryDir m_folder;
 };
 
@@ -75,9 +81,11 @@ TEST_F(CameraDbFiles, AnEmptyFolderGetsTheShippedDatabase)
 
     CameraModelDb again = makeStore();
     ASSERT_TRUE(CameraDbIo(again).loadXML(path("19/icmdb.xml"), QString()));
-    EXPECT_EQ(again.internalData().cameras.size(), store.internalData().cameras.size());
-    EXPECT_EQ(again.internalData().rigs.size(), store.internalData().rigs.size());
-    EXPECT_EQ(again.internalData().mappings, store.internalData().mappings);
+    EXPECT_EQ(internalText(again), internalText(store));
+
+    CameraModelDb nowhere; // without a folder for files and settings
+    EXPECT_TRUE(loadCameraDatabases(nowhere, error)) << qPrintable(error);
+    EXPECT_EQ(internalText(nowhere), internalText(store));
 }
 
 TEST_F(CameraDbFiles, AnInternalFileThatWasEditedIsMadeAnew)
@@ -134,6 +142,16 @@ TEST_F(CameraDbFiles, AnOlderUserDatabaseIsCarriedForwardOnce)
     EXPECT_EQ(contentOf(path("19/ucmdb.xml")), carried);
 }
 
+TEST_F(CameraDbFiles, ACurrentDocumentInAnOlderFolderIsCopied)
+{
+    put(path("18/ucmdb.xml"), sample(19));
+    CameraModelDb store = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error)) << qPrintable(error);
+    EXPECT_FALSE(store.userData().cameras.empty());
+    EXPECT_EQ(contentOf(path("19/ucmdb.xml")), sample(19));
+}
+
 struct FolderCase
 {
     const char* name;
@@ -166,6 +184,58 @@ TEST_F(CameraDbFiles, FoldersThatHoldNothingOlder)
         }
         QString error;
         EXPECT_TRUE(loadCameraDatabases(store, error));
+        EXPECT_TRUE(store.editingAllowed());
+    }
+}
+
+struct CarryFault
+{
+    const char* file;
+    QByteArray content;
+    QString folder; ///< another one beside, if not empty
+    QString reason; ///< part of the error
+};
+
+TEST_F(CameraDbFiles, AnOlderUserFileThatCannotBeCarriedForwardWaitsForTheNextStart)
+{
+    const QByteArray current = sample(19);
+    const CarryFault cases[] = {
+        {"17/ucmdb.xml", sample(17).left(sample(17).size() / 2), "", "line 58: "},
+        {"17/ucmdb.xml", sample(17).replace("<pixelSize>0.", "<pixelSize>0,"), "", "0,0024"},
+        {"18/ucmdb.xml", QByteArray(current).replace(">19</version>", ">20</version>"), "",
+         "version"},
+        {"18/ucmdb.xml", "<cameraModelDB><version>19</version></cameraModelDB>", "", "not load"},
+        {"17/ucmdb.xml", sample(17), "backup", "Unexpected folders in data-common directory"},
+        {"9/ucmdb.xml", sample(16), "17", m_folder.filePath("db/17/ucmdb.xml")},
+    };
+    for (const CarryFault& test : cases) {
+        SCOPED_TRACE(test.reason.toStdString());
+        ASSERT_TRUE(QDir(path("")).removeRecursively());
+        put(path(test.file), test.content);
+        ASSERT_TRUE(test.folder.isEmpty() || QDir(path("")).mkdir(test.folder));
+        const auto entries = [this] {
+            return QDir(path("")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        };
+        const QStringList before = entries();
+        for (int start = 0; start < 2; ++start) {
+            CameraModelDb store = makeStore();
+            QString error;
+            EXPECT_FALSE(loadCameraDatabases(store, error));
+            EXPECT_TRUE(error.contains(": " + path(test.file) + ": ")) << qPrintable(error);
+            EXPECT_TRUE(error.contains(test.reason)) << qPrintable(error);
+            EXPECT_FALSE(store.emptyInternalDB());
+            EXPECT_FALSE(store.setCameraModel(testModel("Mine"), true));
+            EXPECT_EQ(entries(), before);
+        }
+        EXPECT_EQ(contentOf(path(test.file)), test.content);
+
+        ASSERT_TRUE(test.folder.isEmpty() || QDir(path("")).rmdir(test.folder));
+        put(path(test.file), sample(17));
+        CameraModelDb repaired = makeStore();
+        QString error;
+        EXPECT_TRUE(loadCameraDatabases(repaired, error)) << qPrintable(error);
+        EXPECT_FALSE(repaired.userData().cameras.empty());
+        EXPECT_TRUE(repaired.editingAllowed());
     }
 }
 
@@ -222,26 +292,134 @@ TEST_F(CameraDbFiles, WhatCannotBeSavedLeavesTheFileAlone)
     EXPECT_FALSE(store.setCameraModel(testModel("Mine"), true));
 }
 
-TEST_F(CameraDbFiles, ImportBringsAnyVersionInWithoutTouchingTheFile)
+TEST_F(CameraDbFiles, WithoutLeaveToEditNothingIsChanged)
 {
-    for (const int version : {16, 17, 18, 19}) {
-        SCOPED_TRACE(version);
-        const QString file = m_folder.filePath("import.xml");
-        put(file, sample(version));
-        CameraModelDb store = makeStore();
-        QString error;
-        ASSERT_TRUE(importUserDatabase(store, file, false, error)) << qPrintable(error);
-        EXPECT_FALSE(store.userData().cameras.empty());
-        EXPECT_FALSE(store.userData().rigs.empty());
-        EXPECT_FALSE(store.userData().mappings.empty());
-        EXPECT_EQ(contentOf(file), sample(version));
+    put(path("19/ucmdb.xml"), sample(19));
+    put(path("other.xml"), sample(19).replace("FC6310", "Other"));
+    CameraModelDb store = makeStore();
+    store.setUserDBReadOnly(true);
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error)) << qPrintable(error);
+    const QString before = cameradb::writeTextDB(store.userData());
+    for (const bool enabled : {true, false}) {
+        store.setUserDBStatus(enabled);
+        const log::Capture log;
+        EXPECT_FALSE(CameraDbIo(store).addUserXML(path("other.xml"), true));
+        EXPECT_FALSE(importUserDatabase(store, path("other.xml"), true, error));
+        EXPECT_FALSE(CameraDbIo(store).clearUserXML());
+        EXPECT_FALSE(CameraDbIo(store).saveUserXML());
+        EXPECT_EQ(cameradb::writeTextDB(store.userData()) == before, enabled);
+        EXPECT_EQ(log.records().size(), 3u);
     }
+    EXPECT_EQ(contentOf(path("19/ucmdb.xml")), sample(19));
+    EXPECT_TRUE(loadCameraDatabases(store, error)) << "a disabled one is no failure";
+    EXPECT_TRUE(store.emptyUserDB());
+}
+
+TEST_F(CameraDbFiles, ClearingEmptiesTheFile)
+{
+    put(path("19/ucmdb.xml"), sample(19));
     CameraModelDb store = makeStore();
     QString error;
-    put(m_folder.filePath("broken.xml"), "<cameraModelDB>");
-    EXPECT_FALSE(importUserDatabase(store, m_folder.filePath("broken.xml"), false, error));
-    EXPECT_FALSE(error.isEmpty());
-    EXPECT_TRUE(store.emptyUserDB());
+    ASSERT_TRUE(loadCameraDatabases(store, error)) << qPrintable(error);
+    EXPECT_TRUE(CameraDbIo(store).clearUserXML());
+    EXPECT_TRUE(store.userData().empty());
+    CameraModelDb again = makeStore();
+    ASSERT_TRUE(loadCameraDatabases(again, error)) << qPrintable(error);
+    EXPECT_TRUE(again.userData().empty());
+}
+
+TEST_F(CameraDbFiles, WithoutADataDirectoryOrSettingsNoFileIsMade)
+{
+    QDir().mkpath(path(""));
+    CameraModelDb store = makeStore();
+    CameraDbSettings settings = store.settings();
+    settings.dataDirectory.clear();
+    store.reset(settings);
+    const QString workingFolder = QDir::currentPath();
+    put(path("17/ucmdb.xml"), sample(17));
+    ASSERT_TRUE(QDir::setCurrent(path("")));
+    const log::Capture log;
+    EXPECT_FALSE(CameraDbIo(store).loadAndSavePreviousUserXML());
+    EXPECT_TRUE(QDir::setCurrent(workingFolder));
+    EXPECT_FALSE(CameraDbIo(store).loadAndSaveInternalTextDB(QString()));
+    EXPECT_FALSE(CameraDbIo(store).saveUserXML());
+    EXPECT_EQ(log.records().size(), 3u);
+    EXPECT_FALSE(QFile::exists("/19/icmdb.xml"));
+
+    settings = makeStore().settings();
+    settings.appSettings.reset();
+    store.reset(settings);
+    EXPECT_FALSE(CameraDbIo(store).loadAndSaveInternalTextDB(QString()));
+    EXPECT_TRUE(log.contains(
+        log::Level::Important,
+        "Application settings are required for converting camDB from CSV to XML"));
+    EXPECT_FALSE(QFile::exists(path("19")));
+}
+
+TEST_F(CameraDbFiles, SavingKeepsWhatTheSettingsSayOfTheUserFile)
+{
+    CameraModelDb store = makeStore();
+    const QString key = "cameraDB/19/userCameraDB";
+    QSettings& settings = *store.settings().secondSettings;
+    for (const QString& value : {path("19/ucmdb.xml"), QString("elsewhere")}) {
+        ASSERT_TRUE(CameraDbIo(store).saveUserXML());
+        EXPECT_EQ(settings.value(key).toString(), value);
+        EXPECT_TRUE(hasDbLastestFormat(path("19/ucmdb.xml")));
+        settings.setValue(key, "elsewhere");
+    }
+}
+
+TEST_F(CameraDbFiles, AnyVersionIsAddedWholeWithoutTouchingTheFile)
+{
+    const auto import = [](CameraModelDb& store, const QString& file) {
+        QString error;
+        return importUserDatabase(store, file, false, error);
+    };
+    const auto add = [](CameraModelDb& store, const QString& file) {
+        return CameraDbIo(store).addUserXML(file, false);
+    };
+    const QString file = m_folder.filePath("added.xml");
+    put(file, sample(16));
+    CameraModelDb expected = makeStore();
+    ASSERT_TRUE(import(expected, file));
+    ASSERT_EQ(expected.userData().cameras.size(), 5u);
+    for (const int version : {16, 17, 18}) {
+        SCOPED_TRACE(version);
+        put(file, sample(version));
+        for (const auto& way : {+import, +add}) {
+            CameraModelDb store = makeStore();
+            ASSERT_TRUE(way(store, file));
+            EXPECT_EQ(
+                cameradb::writeTextDB(store.userData()),
+                cameradb::writeTextDB(expected.userData()));
+            EXPECT_EQ(contentOf(file), sample(version));
+        }
+    }
+    put(file, sample(19).replace(">19</version>", ">20</version>"));
+    CameraModelDb store = makeStore();
+    EXPECT_TRUE(add(store, file)) << "a newer one is taken";
+    EXPECT_EQ(store.userDbVersion(), 20u);
+}
+
+TEST_F(CameraDbFiles, WhatCannotBeImportedIsNamedWithItsLine)
+{
+    const std::pair<QByteArray, const char*> cases[] = {
+        {"<cameraModelDB>\n<version>", "line 2: "},
+        {"<cameraModelDB>\n<version>19</version><cameras><a/></cameras></cameraModelDB>",
+         "line 2, column "},
+        {"<cameraModelDB><version>16</version><lens/></cameraModelDB>", "Error converting"},
+        {"<cameraModelDB><camera cameraId='a'><imageWidth>x</imageWidth></camera></cameraModelDB>",
+         "once converted: line "},
+    };
+    for (const auto& [content, reason] : cases) {
+        put(m_folder.filePath("broken.xml"), content);
+        CameraModelDb store = makeStore();
+        QString error;
+        EXPECT_FALSE(importUserDatabase(store, m_folder.filePath("broken.xml"), false, error));
+        EXPECT_TRUE(error.startsWith(reason)) << qPrintable(error);
+        EXPECT_TRUE(store.emptyUserDB());
+    }
 }
 
 TEST_F(CameraDbFiles, TextThatIsNoUtf8IsNotRead)

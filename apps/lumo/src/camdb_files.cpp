@@ -6,9 +6,7 @@
 #include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
 #include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/core/xml/camera_db_converter.h"
-#include "lumo/core/xml/lumo_xml_validator.h"
 #include "lumo/foundation/file.h"
-#include "lumo/foundation/system.h"
 
 #include <QJsonObject>
 
@@ -54,13 +52,8 @@ ExitCode validate(const QString& file, const CommonOptions& options)
 {
     QString error;
     cameradb::CameraDBData data;
-    xml::XmlValidator validator;
     const bool valid =
-        isTextDb(file)
-            ? cameradb::loadTextDB(file, data, error)
-            : validator.loadXsd(file::join(
-                  system::applicationDirectory(), QStringLiteral("resources/xsd/camDB_2_2.xsd"))) &&
-                  validator.validateXml(file, error);
+        isTextDb(file) ? cameradb::loadTextDB(file, data, error) : hasDbLastestFormat(file, error);
     if (options.json) {
         printJsonLine({{"file", file}, {"valid", valid}, {"error", error}});
     }
@@ -70,12 +63,8 @@ ExitCode validate(const QString& file, const CommonOptions& options)
 ExitCode convert(const QString& input, const QString& output, const CommonOptions&)
 {
     try {
-        CameraDbConverter converter(input);
-        if (!converter.needsConvertion()) {
-            return failed(input, QStringLiteral("is of the current version or newer"));
-        }
-        return converter.convert(output) ? AllDone
-                                         : failed(input, QStringLiteral("could not be converted"));
+        QString error;
+        return CameraDbConverter(input).convert(output, error) ? AllDone : failed(input, error);
     } catch (const std::runtime_error& fault) {
         return failed(input, QString::fromUtf8(fault.what()));
     }
@@ -84,11 +73,14 @@ ExitCode convert(const QString& input, const QString& output, const CommonOption
 ExitCode rebuild(const CommonOptions& options)
 {
     CameraModelDb database = openDatabase(options);
-    return CameraDbIo(database).loadAndSaveInternalTextDB(QString())
-               ? AllDone
-               : failed(
-                     database.settings().internalDBFileName(cameradb::kCurrentVersion),
-                     QStringLiteral("could not be made"));
+    // First the user's own: without it the folder that the file is in may not be made.
+    const bool loaded = loadDatabase(database);
+    const QString file = database.settings().internalDBFileName(cameradb::kCurrentVersion);
+    if (!(loaded || file::exists(file::dirname(file))) ||
+        !CameraDbIo(database).loadAndSaveInternalTextDB(QString())) {
+        return failed(file, QStringLiteral("could not be made"));
+    }
+    return loaded ? AllDone : SomethingFailed;
 }
 
 ExitCode selftest(const CommonOptions& options)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "program.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
@@ -130,6 +131,27 @@ TEST_F(Camdb, OlderDatabasesAreConverted)
     const ProgramRun list = camdb({"list", "--json"});
     EXPECT_EQ(list.exitCode, 0);
     EXPECT_TRUE(list.out.contains("\"source\":\"user\""));
+}
+
+TEST_F(Camdb, AnOlderDatabaseThatCannotBeCarriedForwardWaits)
+{
+    const QString folder = m_folder.filePath("data/cameraDB");
+    const QString older = folder + "/17/ucmdb.xml";
+    ASSERT_TRUE(QDir().mkpath(folder + "/17"));
+    ASSERT_TRUE(QFile(older).open(QIODevice::WriteOnly)); // an empty file
+    const QString image = samplePath("images/no_sensor_known.jpg");
+    for (const QStringList& arguments :
+         {QStringList{"list"}, QStringList{"add", image}, QStringList{"rebuild"}}) {
+        const ProgramRun run = camdb(arguments);
+        EXPECT_EQ(run.exitCode, 1) << qPrintable(arguments[0]);
+        EXPECT_TRUE(run.err.contains(": " + older.toUtf8() + ": line ")) << run.err.toStdString();
+        EXPECT_FALSE(QFile::exists(folder + "/19")) << qPrintable(arguments[0]);
+    }
+    ASSERT_TRUE(QFile::remove(older) && QFile::copy(samplePath("camdb/camdb_17.xml"), older));
+    const ProgramRun rebuilt = camdb({"rebuild"});
+    EXPECT_EQ(rebuilt.exitCode, 0);
+    EXPECT_EQ(rebuilt.err, "");
+    EXPECT_TRUE(camdb({"list", "--json"}).out.contains("\"source\":\"user\""));
 }
 
 } // namespace

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "cameraInfo/camera_db_current_form.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/lumo_camera_db_io.h"
-#include "lumo/core/xml/camera_db_converter.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/text.h"
 
 #include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <algorithm>
-#include <stdexcept>
+#include <filesystem>
+#include <system_error>
 
 namespace lumo {
 namespace {
@@ -25,62 +28,151 @@ QStringList versionFolders(const QString& dataDirectory)
     return folders;
 }
 
-bool convertFile(const QString& source, const QString& target)
+/// The version that a folder is named by.
+bool versionOf(const QString& folder, std::size_t& version)
 {
-    try {
-        CameraDbConverter converter(source);
-        return !converter.needsConvertion() || converter.convert(target);
-    } catch (const std::runtime_error& fault) {
-        log::important() << source + QStringLiteral(":") << fault.what();
+    bool isNumber = false;
+    const int number = text::fromString<int>(folder, &isNumber);
+    if (!isNumber || number < 0) {
         return false;
     }
+    version = static_cast<std::size_t>(number);
+    return true;
 }
 
-} // namespace
-
-bool CameraDbIo::convertUserFile(std::size_t version) const
+/// The newest user file of an older version. Empty if there is none, or if a folder
+/// of the current version, or of a newer one, is there: then the start has passed it.
+QString olderUserFile(const CameraDbSettings& settings, const QStringList& folders)
 {
-    const CameraDbSettings& settings = m_database.settings();
-    const QString source = settings.userDBLoadFileName(version);
-    const QString target = settings.userDBLoadFileName(cameradb::kCurrentVersion);
-    if (!file::mkdir(file::dirname(target))) {
-        log::important() << "Error creating output directory for converting the user camera "
-                            "database file";
+    QString newest;
+    for (const QString& folder : folders) {
+        std::size_t version = 0;
+        if (!versionOf(folder, version)) {
+            continue;
+        }
+        if (version >= cameradb::kCurrentVersion) {
+            return {};
+        }
+        const QString file = settings.userDBLoadFileName(version);
+        newest = file::exists(file) ? file : newest;
+    }
+    return newest;
+}
+
+/// Makes `target` the current form of `source`, if that satisfies the schema.
+bool convertFile(const QString& source, const QString& target, QString& error)
+{
+    if (!file::exists(source)) {
+        error = QStringLiteral("there is no '%1'").arg(source);
         return false;
     }
-    log::important() << "Converting user camera-db file with version" << version
-                     << "to latest version";
-    if (!convertFile(source, target)) {
-        log::important() << "Error trying to convert user camera database to latest format";
+    QString document;
+    if (!cameradb::currentForm(source, target, document, error) ||
+        (document == source && !file::copy(source, target, error))) {
+        return false;
+    }
+    QString fault;
+    if (!hasDbLastestFormat(target, fault)) {
+        error = (document == source ? QString() : QStringLiteral("once converted: ")) + fault;
         return false;
     }
     return true;
 }
 
+/// \returns whether the folder `target` is there afterwards: another process may have
+///     been faster
+bool moveFolder(const QString& source, const QString& target, QString& error)
+{
+    std::error_code code;
+    std::filesystem::rename(
+        QFile::encodeName(source).toStdString(), QFile::encodeName(target).toStdString(), code);
+    if (code && !file::exists(target)) {
+        error = QStringLiteral("'%1' cannot be made: %2")
+                    .arg(target, QString::fromStdString(code.message()));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool CameraDbIo::convertUserFile(std::size_t version, QString& error)
+{
+    const CameraDbSettings& settings = m_database.settings();
+    const QString target = settings.userDBLoadFileName(cameradb::kCurrentVersion);
+    // The folder appears with the file in it, or not at all: once it is there, the
+    // older ones are not looked at any more.
+    const QTemporaryDir beside(file::join(settings.dataDirectory, QStringLiteral(".lumo-XXXXXX")));
+    const QString folder = beside.filePath(file::filename(file::dirname(target)));
+    if (!beside.isValid() || !file::mkdir(folder)) {
+        log::important() << "Error creating output directory for converting the user camera "
+                            "database file";
+        error = beside.isValid() ? QStringLiteral("'%1' cannot be made").arg(folder)
+                                 : beside.errorString();
+        return false;
+    }
+    log::step() << "Converting user camera-db file with version" << version << "to latest version";
+    const QString converted = file::join(folder, file::filename(target));
+    if (!convertFile(settings.userDBLoadFileName(version), converted, error)) {
+        log::important() << "Error trying to convert user camera database to latest format";
+        return false;
+    }
+    std::size_t loaded = 0;
+    if (m_database.enabledUserDB() && !loadXMLPrivate(converted, true, loaded, false, true)) {
+        error = QStringLiteral("is valid, but does not load");
+        return false;
+    }
+    return moveFolder(folder, file::dirname(target), error);
+}
+
 bool CameraDbIo::loadAndSavePreviousUserXML()
+{
+    QString error;
+    const bool loaded = loadAndSavePreviousUserXML(error);
+    if (!error.isEmpty()) {
+        log::important() << error;
+    }
+    return loaded;
+}
+
+bool CameraDbIo::loadAndSavePreviousUserXML(QString& error)
 {
     if (m_database.enabledUserDB() && !m_database.setUserData({}, cameradb::kCurrentVersion)) {
         return false;
     }
     const CameraDbSettings& settings = m_database.settings();
+    if (settings.dataDirectory.isEmpty()) {
+        log::important()
+            << "No data directory is set, which user camera databases are looked for in";
+        return false;
+    }
     const QStringList folders = versionFolders(settings.dataDirectory);
     if (folders.isEmpty()) {
         return false;
     }
-    bool isNumber = false;
-    const int version = text::fromString<int>(folders.last(), &isNumber);
-    if (!isNumber || version < 0) {
-        log::important() << "Unexpected folders in data-common directory. Remove the folders "
-                            "created manually.";
+    const QString older = olderUserFile(settings, folders);
+    const auto fail = [&](const QString& reason) {
+        if (!older.isEmpty()) {
+            error = older + QStringLiteral(": ") + reason;
+        }
+        return false;
+    };
+    std::size_t version = 0;
+    if (!versionOf(folders.last(), version)) {
+        const QString reason = QStringLiteral("Unexpected folders in data-common directory. Remove "
+                                              "the folders created manually.");
+        log::important() << reason;
+        return fail(reason);
+    }
+    if (version >= cameradb::kCurrentVersion) {
         return false;
     }
-    const auto older = static_cast<std::size_t>(version);
-    if (older >= cameradb::kCurrentVersion || !convertUserFile(older)) {
-        return false;
+    QString reason;
+    if (!convertUserFile(version, reason)) {
+        return fail(reason);
     }
-    std::size_t loadedVersion = 0;
     return loadXMLPrivate(
-        settings.userDBLoadFileName(cameradb::kCurrentVersion), true, loadedVersion, false, true);
+        settings.userDBLoadFileName(cameradb::kCurrentVersion), true, version, false, true);
 }
 
 } // namespace lumo

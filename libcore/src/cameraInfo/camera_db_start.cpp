@@ -1,29 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "lumo/cameradata/xml_document.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/lumo_camera_db_io.h"
+#include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
 #include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 
 #include <QCryptographicHash>
-#include <QDir>
+#include <QDomDocument>
 #include <QFile>
 #include <QSettings>
 
+#include <utility>
+
 namespace lumo {
 namespace {
-
-/// Carries an older user file forward, before anything makes the current folder:
-/// that would hide the older ones.
-void carryUserFileForward(CameraModelDb& database, CameraDbIo& io)
-{
-    const QString target = database.settings().userDBLoadFileName(cameradb::kCurrentVersion);
-    const QString folder = file::dirname(target);
-    const bool hadFolder = file::exists(folder);
-    if (!file::exists(target) && !io.loadAndSavePreviousUserXML() && !hadFolder) {
-        QDir().rmdir(folder); // only if it is empty
-    }
-}
 
 /// What tells one shipped database from another.
 QString shippedFingerprint()
@@ -35,26 +27,74 @@ QString shippedFingerprint()
                : QString();
 }
 
-/// Loads the internal file if it was made of the database that this library ships,
-/// else makes it anew: one that an older version left knows fewer cameras.
-bool loadInternal(CameraDbIo& io, const CameraDbSettings& settings)
+/// Whether the internal file was made of the database that this library ships: one
+/// that an older version left knows fewer cameras.
+bool madeOfShipped(const CameraDbSettings& settings, const QString& key)
 {
-    if (!settings.appSettings) {
-        return io.loadXML(settings.internalDBFileName(cameradb::kCurrentVersion), QString());
-    }
+    return !settings.appSettings ||
+           settings.appSettings->value(key).toString() == shippedFingerprint();
+}
+
+/// Loads the internal file, making it anew where it is needed.
+bool loadInternalFile(CameraDbIo& io, const CameraDbSettings& settings)
+{
+    const QString internalFile = settings.internalDBFileName(cameradb::kCurrentVersion);
     const QString key =
         cameradb::settingsPath(QStringLiteral("shippedDatabase"), cameradb::kCurrentVersion);
-    const QString shipped = shippedFingerprint();
-    if (settings.appSettings->value(key).toString() == shipped &&
-        io.loadXML(settings.internalDBFileName(cameradb::kCurrentVersion), QString())) {
+    if (madeOfShipped(settings, key) && io.loadXML(internalFile, QString())) {
         return true;
     }
-    if (!io.loadAndSaveInternalTextDB(QString())) {
+    if (!settings.appSettings || !io.loadAndSaveInternalTextDB(QString())) {
         return false;
     }
-    settings.appSettings->setValue(key, shipped);
+    settings.appSettings->setValue(key, shippedFingerprint());
     settings.appSettings->sync();
+    // The text has more digits than the file, and every later start reads the file.
+    return io.loadXML(internalFile, QString());
+}
+
+/// Loads the shipped database as the internal file would give it, without any file.
+bool loadShipped(CameraModelDb& database, QString& error)
+{
+    cameradb::CameraDBData text;
+    cameradb::CameraDBData data;
+    QString content;
+    QDomDocument document;
+    bool modified = false;
+    if (!cameradb::loadTextDB(cameradb::shippedTextDBPath(), text, error) ||
+        !cameradb::documentText({}, text, content, error) ||
+        !xml::domFromString(content, document, error) ||
+        !cameradb::getXML(document, false, false, true, data, modified)) {
+        return false;
+    }
+    database.setInternalData(std::move(data));
     return true;
+}
+
+bool loadInternal(CameraModelDb& database, CameraDbIo& io, QString& error)
+{
+    const CameraDbSettings& settings = database.settings();
+    if (!settings.dataDirectory.isEmpty() && loadInternalFile(io, settings)) {
+        return true;
+    }
+    QString reason;
+    if (!loadShipped(database, reason)) {
+        error = QStringLiteral("the internal camera database cannot be made: ") + reason;
+        return false;
+    }
+    if (!settings.dataDirectory.isEmpty()) {
+        log::warning() << QStringLiteral(
+                              "'%1' cannot be used, the shipped database is held in memory")
+                              .arg(settings.internalDBFileName(cameradb::kCurrentVersion));
+    }
+    return true;
+}
+
+/// What the schema has against a user file, behind a colon; empty if nothing.
+QString formatFault(const QString& userFile)
+{
+    QString fault;
+    return hasDbLastestFormat(userFile, fault) ? QString() : QStringLiteral(": ") + fault;
 }
 
 } // namespace
@@ -63,21 +103,30 @@ bool loadCameraDatabases(CameraModelDb& database, QString& error)
 {
     CameraDbIo io(database);
     const CameraDbSettings& settings = database.settings();
-    carryUserFileForward(database, io);
-    const QString internalFile = settings.internalDBFileName(cameradb::kCurrentVersion);
-    if (!loadInternal(io, settings)) {
-        if (database.emptyInternalDB()) {
-            error = QStringLiteral("the internal camera database cannot be made");
-            return false;
-        }
-        log::warning() << QStringLiteral("'%1' cannot be written").arg(internalFile);
+    if (settings.dataDirectory.isEmpty()) {
+        return loadInternal(database, io, error);
     }
     const QString userFile = settings.userDBLoadFileName(cameradb::kCurrentVersion);
-    if (file::exists(userFile) && !io.loadXML(QString(), userFile)) {
+    QString fault;
+    if (!file::exists(userFile) && !io.loadAndSavePreviousUserXML(fault) && !fault.isEmpty()) {
+        database.setUserDBReadOnly(true);
+        // Making the folder of the current version would hide the older file for good.
+        if (loadShipped(database, error)) {
+            error = QStringLiteral("your own database of an older version cannot be carried "
+                                   "forward, which is tried again at the next start; until then "
+                                   "your own cameras and rigs can neither be used nor changed: ") +
+                    fault;
+        }
+        return false;
+    }
+    if (!loadInternal(database, io, error)) {
+        return false;
+    }
+    if (database.enabledUserDB() && file::exists(userFile) && !io.loadXML(QString(), userFile)) {
         database.setUserDBReadOnly(true);
         error = QStringLiteral("'%1' does not load; it is left as it is, and your own cameras "
-                               "and rigs can neither be used nor changed")
-                    .arg(userFile);
+                               "and rigs can neither be used nor changed%2")
+                    .arg(userFile, formatFault(userFile));
         return false;
     }
     return true;

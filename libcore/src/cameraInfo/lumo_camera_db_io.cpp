@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/lumo_camera_db_io.h"
 
+#include "cameraInfo/camera_db_current_form.h"
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
@@ -13,6 +14,7 @@
 
 #include <QDomDocument>
 #include <QSettings>
+#include <QTemporaryDir>
 
 #include <utility>
 
@@ -41,6 +43,32 @@ bool makeWritableFolder(const QString& file)
     }
     if (file::readonly(folder)) {
         log::important() << QStringLiteral("Folder '%1' is read-only").arg(folder);
+        return false;
+    }
+    return true;
+}
+
+/// Whether the user's tables and file may be changed; if not, the log says so.
+bool mayChange(const CameraModelDb& database)
+{
+    if (!database.editingAllowed()) {
+        log::important()
+            << (database.enabledUserDB() ? "The user camera database is read-only"
+                                         : "The user camera database is disabled");
+    }
+    return database.editingAllowed();
+}
+
+/// Puts the current form of an older document in its place.
+bool bringUpToDate(const QString& file, QDomDocument& document)
+{
+    const QTemporaryDir folder;
+    QString converted;
+    QString error;
+    if (!cameradb::currentForm(
+            file, folder.filePath(QStringLiteral("converted.xml")), converted, error) ||
+        !xml::domFromFile(converted, document, error)) {
+        log::important() << file + QStringLiteral(":") << error;
         return false;
     }
     return true;
@@ -83,6 +111,9 @@ bool CameraDbIo::loadXMLPrivate(
         }
         return false;
     }
+    if (version < cameradb::kCurrentVersion && !bringUpToDate(file, document)) {
+        return false;
+    }
     cameradb::CameraDBData tables =
         userDatabase ? m_database.userData() : m_database.internalData();
     bool modified = false;
@@ -111,8 +142,10 @@ bool CameraDbIo::loadXML(const QString& internalFile, const QString& userFile)
         if (m_database.enabledUserDB() && !m_database.setUserData({}, cameradb::kCurrentVersion)) {
             return false;
         }
-        if (!hasDbLastestFormat(userFile)) {
+        QString fault;
+        if (!hasDbLastestFormat(userFile, fault)) {
             log::important() << "XSD validation failed with the user camera database";
+            log::debug() << userFile + QStringLiteral(":") << fault;
             return false;
         }
         userLoaded = loadXMLPrivate(userFile, true, version, false, true);
@@ -125,6 +158,9 @@ bool CameraDbIo::loadXML(const QString& internalFile, const QString& userFile)
 
 bool CameraDbIo::addUserXML(const QString& file, bool overwrite)
 {
+    if (!mayChange(m_database)) {
+        return false;
+    }
     std::size_t version = 0;
     return loadXMLPrivate(file, true, version, true, overwrite);
 }
@@ -135,6 +171,10 @@ bool CameraDbIo::loadAndSaveInternalTextDB(const QString& textFile)
     if (!settings.appSettings) {
         log::important()
             << "Application settings are required for converting camDB from CSV to XML";
+        return false;
+    }
+    if (settings.dataDirectory.isEmpty()) {
+        log::important() << "A data directory is required for converting camDB from CSV to XML";
         return false;
     }
     unsigned hash = 0;
@@ -171,13 +211,20 @@ bool CameraDbIo::loadTextDB(const QString& textFile, bool userDatabase)
 
 bool CameraDbIo::saveUserXML() const
 {
+    if (!mayChange(m_database)) {
+        return false;
+    }
     const CameraDbSettings& settings = m_database.settings();
     const QString path = settings.userDBLoadFileName(cameradb::kCurrentVersion);
     if (settings.secondSettings) {
         const QString key = cameradb::settingsPath(settings.userDbKey, cameradb::kCurrentVersion);
         settings.secondSettings->setValue(key, settings.secondSettings->value(key, path));
     }
-    if (settings.dataDirectory.isEmpty() || !makeWritableFolder(path)) {
+    if (settings.dataDirectory.isEmpty()) {
+        log::important() << "A data directory is required for saving the user camera database";
+        return false;
+    }
+    if (!makeWritableFolder(path)) {
         return false;
     }
     TextFileIO io;
@@ -203,7 +250,7 @@ bool CameraDbIo::exportXML(const QString& file, bool internalOnly, unsigned& has
         return false;
     }
     hash = qHash(io.content(), 0);
-    return io.writeFile(file, true);
+    return io.writeFile(file, !internalOnly);
 }
 
 bool CameraDbIo::exportUserXML(const QString& file) const
@@ -214,18 +261,36 @@ bool CameraDbIo::exportUserXML(const QString& file) const
 
 bool CameraDbIo::clearUserXML()
 {
+    if (!mayChange(m_database)) {
+        return false;
+    }
     if (m_database.userData().empty()) {
         return true;
     }
     return m_database.setUserData({}, cameradb::kCurrentVersion) && saveUserXML();
 }
 
+QString cameraDbSchemaPath()
+{
+    return system::applicationDirectory() + QStringLiteral("/resources/xsd/camDB_2_2.xsd");
+}
+
 bool hasDbLastestFormat(const QString& file)
 {
+    QString unused;
+    return hasDbLastestFormat(file, unused);
+}
+
+bool hasDbLastestFormat(const QString& file, QString& error)
+{
     xml::XmlValidator validator;
-    return validator.loadXsd(
-               system::applicationDirectory() + QStringLiteral("/resources/xsd/camDB_2_2.xsd")) &&
-           validator.validateXml(file);
+    QString reason;
+    if (!validator.loadXsd(cameraDbSchemaPath(), reason)) {
+        error =
+            QStringLiteral("the schema '%1' cannot be used: %2").arg(cameraDbSchemaPath(), reason);
+        return false;
+    }
+    return validator.validateXml(file, error);
 }
 
 } // namespace lumo
