@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/core/cameraInfo/camera_db_data.h"
+#include "lumo/core/cameraInfo/lumo_camera_db_io.h"
 #include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
 #include "lumo/core/cameraInfo/lumo_text_file_io.h"
 #include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/core/xml/lumo_xml_validator.h"
-#include "lumo/foundation/system.h"
 
 #include <QCoreApplication>
 #include <QDomDocument>
@@ -141,11 +141,9 @@ void validate(benchmark::State& state)
 {
     const File file(documentOf(makeDatabase(state.range(0))));
     xml::XmlValidator validator;
-    const QString schema =
-        system::applicationDirectory() + QStringLiteral("/resources/xsd/camDB_2_2.xsd");
-    orFail(validator.loadXsd(schema), schema);
+    QString error;
+    orFail(validator.loadXsd(cameraDbSchemaPath(), error), error);
     for (auto _ : state) {
-        QString error;
         orFail(validator.validateXml(file.path(), error), error);
     }
 }
