@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "held_lock.h"
 #include "lumo/core/cameraInfo/camera_db_import.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/lumo_camera_db_io.h"
-#include "lumo/core/cameraInfo/lumo_text_file_io.h"
 #include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/core/xml/register_xml_converters.h"
 #include "lumo/foundation/log.h"
@@ -422,21 +422,25 @@ TEST_F(CameraDbFiles, WhatCannotBeImportedIsNamedWithItsLine)
     }
 }
 
-TEST_F(CameraDbFiles, TextThatIsNoUtf8IsNotRead)
+TEST_F(CameraDbFiles, TheInternalFileIsReadAndExportedOnesAreWrittenUnderALock)
 {
-    TextFileIO io;
-    put(path("a.txt"), "a\xff");
-    EXPECT_FALSE(io.readFile(path("a.txt"), true));
-    EXPECT_TRUE(io.content().isEmpty());
-    put(path("b.txt"), "\xc3\xa4");
-    EXPECT_TRUE(io.readFile(path("b.txt"), true));
-    EXPECT_EQ(io.content(), QString(QChar(0xe4)));
-    EXPECT_FALSE(QFile::exists(path("b.txt.lock")));
-    const log::Capture log;
-    EXPECT_FALSE(io.readFile(path("missing.txt"), false));
-    ASSERT_EQ(log.records().size(), 1u);
-    EXPECT_TRUE(
-        log.records()[0].text.startsWith("Unable to open file '" + path("missing.txt") + "'"));
+    CameraModelDb store = makeStore();
+    QString error;
+    ASSERT_TRUE(loadCameraDatabases(store, error)) << qPrintable(error);
+    ASSERT_TRUE(store.setCameraModel(testModel("Mine"), true));
+    const QString exported = path("exported.xml");
+    ASSERT_TRUE(CameraDbIo(store).exportUserXML(exported));
+    const QString internalFile = path("19/icmdb.xml");
+    const auto read = [&] { return CameraDbIo(store).loadXML(internalFile, QString()); };
+    const auto write = [&] { return CameraDbIo(store).exportUserXML(exported); };
+    EXPECT_TRUE(test::waitsForLock(internalFile, read));
+    EXPECT_TRUE(test::waitsForLock(exported, write));
+    for (const QString& file : {internalFile, path("19/ucmdb.xml")}) {
+        const test::HeldLock held(file);
+        EXPECT_TRUE(CameraDbIo(store).loadAndSaveInternalTextDB(QString()));
+        EXPECT_TRUE(CameraDbIo(store).saveUserXML());
+        EXPECT_TRUE(CameraDbIo(store).loadXML(QString(), path("19/ucmdb.xml")));
+    }
 }
 
 } // namespace

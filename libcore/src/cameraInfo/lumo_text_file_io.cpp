@@ -6,6 +6,7 @@
 #include "lumo/foundation/log.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTextCodec>
 
 namespace lumo {
@@ -41,6 +42,16 @@ bool lockExisting(QFile& file, FileLock& lock)
     return true;
 }
 
+/// Whether a file could be opened for writing at `path`, be it there or not.
+bool openable(const QString& path)
+{
+    if (file::exists(path)) {
+        return !QFileInfo(path).isDir() && !file::readonly(path);
+    }
+    const QString folder = file::dirname(path);
+    return file::exists(folder) && !file::readonly(folder);
+}
+
 } // namespace
 
 bool TextFileIO::readFile(const QString& path, bool lock)
@@ -66,8 +77,13 @@ bool TextFileIO::readFile(const QString& path, bool lock)
     if (!decodeUtf8(bytes, m_content)) {
         m_content.clear();
         log::important() << QStringLiteral("File '%1' is not UTF-8").arg(path);
+        return false;
     }
-    return !m_content.isEmpty();
+    if (m_content.isEmpty()) {
+        log::important() << QStringLiteral("File '%1' is empty").arg(path);
+        return false;
+    }
+    return true;
 }
 
 bool TextFileIO::writeFile(const QString& path, bool lock)
@@ -79,7 +95,11 @@ bool TextFileIO::writeFile(const QString& path, bool lock)
     }
     QString error;
     if (!file::replaceAtomically(path, m_content.toUtf8(), error)) {
-        log::important() << QStringLiteral("Cannot open file '%1' for writing:").arg(path) << error;
+        const QString name = path + QStringLiteral(": ");
+        log::important() << (openable(path) ? QStringLiteral("Cannot write file '%1':")
+                                            : QStringLiteral("Cannot open file '%1' for writing:"))
+                                .arg(path)
+                         << (error.startsWith(name) ? error.mid(name.size()) : error);
         return false;
     }
     return true;
