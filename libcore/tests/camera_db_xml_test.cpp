@@ -411,6 +411,10 @@ TEST(CameraDbXml, WhatWouldNotReadBackIsNotWrittenAndTheRecordNamed)
     RigModel rig(QStringLiteral("R"));
     rig.secondaries.resize(1);
     RigModel pose = rig;
+    RigModel index = rig;
+    index.refCameraIndex = std::size_t{1} << 32U;
+    CameraModelFromDB size = testModel(QStringLiteral("A"));
+    size.params.imageHeight = std::size_t{1} << 32U;
     rig.secondaries[0].attributes[RigKey::ExifString] = bad;
     pose.secondaries[0].relatives.transl.y() = std::numeric_limits<double>::quiet_NaN();
     struct Case
@@ -428,6 +432,10 @@ TEST(CameraDbXml, WhatWouldNotReadBackIsNotWrittenAndTheRecordNamed)
          {{}, {{"R", rig}}, {}},
          "rig \"R\": EXIF string has character U+0001, which XML forbids"},
         {{}, {{}, {{"R", pose}}, {}}, "rig \"R\": pose has a number that is not finite"},
+        {{}, dataOf({size}), "camera \"A\": image size is more than 4294967295"},
+        {{},
+         {{}, {{"R", index}}, {}},
+         "rig \"R\": reference camera's index is more than 4294967295"},
         {{},
          {{}, {}, {{"e", bad}}},
          "mapping \"e\": camera has character U+0001, which XML forbids"},
@@ -436,6 +444,9 @@ TEST(CameraDbXml, WhatWouldNotReadBackIsNotWrittenAndTheRecordNamed)
         {{{"cameras", ""}},
          {},
          "header pair \"cameras\": name is one of the database's own elements"},
+        {{{"cameraModelDB", ""}},
+         {},
+         "header pair \"cameraModelDB\": name is one of the database's own elements"},
     };
     for (const Case& c : cases) {
         QString text = QStringLiteral("untouched");

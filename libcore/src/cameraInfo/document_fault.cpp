@@ -6,7 +6,10 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 namespace lumo::cameradb {
 namespace {
@@ -25,6 +28,15 @@ public:
         const QString character = xml::invalidCharacter(text);
         if (!character.isEmpty()) {
             fault(field, QStringLiteral("has character %1, which XML forbids").arg(character));
+        }
+    }
+
+    /// A count, which the format holds in 32 bits.
+    void count(const char* field, std::size_t count)
+    {
+        constexpr std::size_t kMax = std::numeric_limits<std::uint32_t>::max();
+        if (count > kMax) {
+            fault(field, QStringLiteral("is more than %1").arg(kMax));
         }
     }
 
@@ -58,8 +70,8 @@ void findInHeader(const HeaderPairs& headerPairs, FaultFinder& finder)
 {
     static const QRegularExpression elementName(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_.-]*\\z"));
     static const QStringList own{
-        QStringLiteral("version"), QStringLiteral("rigs"), QStringLiteral("cameras"),
-        QStringLiteral("mappings")};
+        QStringLiteral("cameraModelDB"), QStringLiteral("version"), QStringLiteral("rigs"),
+        QStringLiteral("cameras"), QStringLiteral("mappings")};
     for (const auto& [name, value] : headerPairs) {
         finder.record("header pair", name);
         if (!elementName.match(name).hasMatch()) {
@@ -77,6 +89,7 @@ void findInCamera(const CameraModelFromDB& camera, FaultFinder& finder)
     finder.text("name", camera.params.name);
     finder.text("serial number", camera.serialNumber);
     finder.text("EXIF identifier", camera.exifId);
+    finder.count("image size", std::max(camera.params.imageWidth, camera.params.imageHeight));
     for (const bands_t& bands : camera.bandConfigs) {
         finder.bands(bands);
     }
@@ -104,6 +117,7 @@ void findInRig(const RigModel& rig, FaultFinder& finder)
     finder.record("rig", rig.name);
     finder.text("name", rig.name);
     findInRigCamera(rig.refCamera, finder);
+    finder.count("reference camera's index", rig.refCameraIndex);
     for (const RigModel::Secondary& secondary : rig.secondaries) {
         findInRigCamera(secondary.attributes, finder);
         if (!finite(secondary.relatives)) {

@@ -64,8 +64,8 @@ LUMO_CORE_EXPORT void writeXML(
 /// The whole document as text, for a UTF-8 file; one tab a level.
 ///
 /// Refused is what reading would not give back: a text with a character that XML
-/// forbids, a number of a rig that is not finite, and a header pair whose name
-/// is no element name or one of the database's own.
+/// forbids, a number of a rig that is not finite, an image size or index beyond 32
+/// bits, and a header pair whose name is no element name or one of the database's own.
 /// \param[out] text   replaced on success, untouched on failure
 /// \param[out] error  on failure which field of which record and why, else untouched
 [[nodiscard]] LUMO_CORE_EXPORT bool documentText(
