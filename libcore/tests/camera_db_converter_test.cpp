@@ -178,6 +178,10 @@ TEST_F(CameraDbConverter_, RewritesTheNamesOfVersion16)
     const Rewrite cases[] = {
         {"sections are always there", "<vendorId value='1'>x</vendorId><productId/>",
          "<rigs/><cameras/><mappings/>"},
+        {"a version that is not known",
+         "<rig name='Airinov'><refCamera index='1'/><camera/><camera/><camera/></rig>",
+         "<rigs><rig name='Airinov'><referenceCamera index='1'/><camera/><camera/><camera/></rig>"
+         "</rigs><cameras/><mappings/>"},
         {"names of a camera",
          "<camera cameraId='n' aliasId='a' id='3' serialNumber='s' pixelType='p'>"
          "<cameraType>fisheye</cameraType><source>user</source><poly5>1<a/></poly5>"
@@ -202,6 +206,14 @@ TEST_F(CameraDbConverter_, RewritesTheNamesOfVersion16)
          "<rigs/><cameras><camera name='a&#10;b&#9;&quot;&amp;&lt;'/></cameras><mappings/>"},
         {"any older version", "<version value='5'/>",
          "<version>17</version><rigs/><cameras/><mappings/>"},
+        {"raw EXIF strings", "<rig exifString='a/b_1.0_2x1'/><version value='11'/>",
+         "<version>17</version><rigs><rig exifString='a-b_1.0_2x1'/></rigs><cameras/><mappings/>"},
+        {"a reference camera without number",
+         "<version> 4 </version><rig name='Airinov'><refCamera/><camera/><camera/><camera/></rig>"
+         "<rig name='Airinov'><refCamera/><camera/></rig><rig name='r'><refCamera/></rig>",
+         "<version>17</version><rigs><rig name='Airinov'><referenceCamera index='3'/><camera/>"
+         "<camera/><camera/></rig><rig name='Airinov'><referenceCamera/><camera/></rig>"
+         "<rig name='r'><referenceCamera/></rig></rigs><cameras/><mappings/>"},
     };
     const auto document = [](const char* content) {
         return QByteArray("<cameraModelDB>") + content + "</cameraModelDB>";

@@ -2,19 +2,16 @@
 #include "cameraInfo/rig_model_xml.h"
 
 #include "lumo/cameradata/xml_values.h"
+#include "xml/old_rig_values.h"
 
 #include <QDomElement>
 #include <QXmlStreamWriter>
 
-#include <algorithm>
-
 namespace lumo {
 namespace {
 
-// The first versions of the format that do without the rule of older ones.
-constexpr std::size_t kReferenceIndexVersion = 5;    ///< the reference camera's number is stored
-constexpr std::size_t kProcessingVersion = 13;       ///< texts and place of the processing values
-constexpr std::size_t kUnsafeExifStringVersion = 11; ///< the only one with raw EXIF strings
+// The first version of the format that does without the rule of older ones.
+constexpr std::size_t kProcessingVersion = 13; ///< texts and place of the processing values
 
 struct RelativeValue
 {
@@ -104,18 +101,6 @@ RigModelCameraAttr readCamera(const QDomElement& element, const Common& common)
     return camera;
 }
 
-/// Version 11 stored the EXIF string as the camera said it; since then it has
-/// the characters only that an ExifID may have.
-QString exifId2safeCameraModel(QString exifId)
-{
-    static const QString kept = QStringLiteral("-_.+ ");
-    std::replace_if(
-        exifId.begin(), exifId.end(),
-        [](QChar character) { return !character.isLetterOrNumber() && !kept.contains(character); },
-        QLatin1Char('-'));
-    return exifId;
-}
-
 /// The value of a text, with a warning if it is none of those known.
 template <typename Value, typename FromText>
 Value parse(const QDomElement& element, const QString& text, FromText fromText)
@@ -195,18 +180,14 @@ RigModel readRig(const QDomElement& element, std::size_t version)
     const QDomElement reference = element.firstChildElement(QStringLiteral("referenceCamera"));
     Common common;
     common.detection = readDetection(element, reference);
-    common.exifString = xml::readValue(element, "exifString", QString());
-    if (version == kUnsafeExifStringVersion) {
-        common.exifString = exifId2safeCameraModel(common.exifString);
-    }
+    common.exifString =
+        xml::rigExifString(xml::readValue(element, "exifString", QString()), version);
     common.serialNumber = xml::readValue(element, "serialNumber", QString());
 
     RigModel rig(xml::readValue(element, "name", QString()), common.detection);
     readProcessing(element, version, rig);
-    rig.refCameraIndex = xml::readValue(reference, "index", std::size_t{0});
-    if (version < kReferenceIndexVersion && rig.name == QLatin1String("Airinov")) {
-        rig.refCameraIndex = 3;
-    }
+    rig.refCameraIndex = xml::referenceCameraIndex(
+        xml::readValue(reference, "index", std::size_t{0}), rig.name, version);
     rig.refCamera = readCamera(reference, common);
     const QString cameraTag = QStringLiteral("camera");
     for (QDomElement camera = element.firstChildElement(cameraTag); !camera.isNull();

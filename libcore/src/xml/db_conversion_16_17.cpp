@@ -4,6 +4,7 @@
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/core/xml/lumo_xml_validator.h"
 #include "xml/camera_renames_16.h"
+#include "xml/old_rig_values.h"
 
 #include <QBuffer>
 #include <QDomDocument>
@@ -32,6 +33,7 @@ private:
 
     void topLevelElement();
     void version();
+    void bringRigsUpToDate();
     void entry(QDomElement& section);
     [[nodiscard]] static bool inside(const Open& open, const QString& name);
     [[nodiscard]] bool dropped(const Open& open) const;
@@ -41,6 +43,7 @@ private:
     void requireWellFormed() const;
 
     QXmlStreamReader m_reader;
+    std::size_t m_version = 0; ///< of the old document; 0 if it is not known
     QDomDocument m_output;
     QDomElement m_root = m_output.createElement(QStringLiteral("cameraModelDB"));
     QDomElement m_rigs = m_output.createElement(QStringLiteral("rigs"));
@@ -60,6 +63,7 @@ QByteArray Rewriter::run()
         topLevelElement();
     }
     requireWellFormed();
+    bringRigsUpToDate();
     for (const QDomElement& section : {m_rigs, m_cameras, m_mappings}) {
         m_root.appendChild(section);
     }
@@ -88,10 +92,39 @@ void Rewriter::topLevelElement()
 
 void Rewriter::version()
 {
-    m_reader.skipCurrentElement();
+    const QXmlStreamAttributes attributes = m_reader.attributes();
+    const QString attribute = QStringLiteral("value");
+    const QString text = m_reader.readElementText(QXmlStreamReader::SkipChildElements);
+    m_version = (attributes.hasAttribute(attribute) ? attributes.value(attribute).toString() : text)
+                    .trimmed()
+                    .toUInt();
     QDomElement element = m_output.createElement(QStringLiteral("version"));
     element.appendChild(m_output.createTextNode(QStringLiteral("17")));
     m_root.appendChild(element);
+}
+
+/// The later steps and the reader take rigs for such of version 17.
+void Rewriter::bringRigsUpToDate()
+{
+    if (m_version == 0) {
+        return;
+    }
+    const QString exifString = QStringLiteral("exifString");
+    const QString index = QStringLiteral("index");
+    for (QDomElement rig = m_rigs.firstChildElement(); !rig.isNull();
+         rig = rig.nextSiblingElement()) {
+        if (rig.hasAttribute(exifString)) {
+            rig.setAttribute(exifString, xml::rigExifString(rig.attribute(exifString), m_version));
+        }
+        QDomElement reference = rig.firstChildElement(QStringLiteral("referenceCamera"));
+        const QDomNodeList others = rig.elementsByTagName(QStringLiteral("camera"));
+        const std::size_t stored = reference.attribute(index).toUInt();
+        const std::size_t meant =
+            xml::referenceCameraIndex(stored, rig.attribute(QStringLiteral("name")), m_version);
+        if (meant != stored && meant <= static_cast<std::size_t>(others.count())) {
+            reference.setAttribute(index, static_cast<qulonglong>(meant));
+        }
+    }
 }
 
 void Rewriter::entry(QDomElement& section)
