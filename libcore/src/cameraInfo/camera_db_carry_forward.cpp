@@ -79,14 +79,15 @@ bool convertFile(const QString& source, const QString& target, QString& error)
     return true;
 }
 
-/// \returns whether the folder `target` is there afterwards: another process may have
-///     been faster
-bool moveFolder(const QString& source, const QString& target, QString& error)
+/// Renames `source` to the folder of the user file `userFile`.
+/// \returns whether that file is there afterwards: another process may have been faster
+bool moveFolder(const QString& source, const QString& userFile, QString& error)
 {
+    const QString target = file::dirname(userFile);
     std::error_code code;
     std::filesystem::rename(
         QFile::encodeName(source).toStdString(), QFile::encodeName(target).toStdString(), code);
-    if (code && !file::exists(target)) {
+    if (code && !file::exists(userFile)) {
         error = QStringLiteral("'%1' cannot be made: %2")
                     .arg(target, QString::fromStdString(code.message()));
         return false;
@@ -122,7 +123,7 @@ bool CameraDbIo::convertUserFile(std::size_t version, QString& error)
         error = QStringLiteral("is valid, but does not load");
         return false;
     }
-    return moveFolder(folder, file::dirname(target), error);
+    return moveFolder(folder, target, error);
 }
 
 bool CameraDbIo::loadAndSavePreviousUserXML()
@@ -143,7 +144,7 @@ bool CameraDbIo::loadAndSavePreviousUserXML(QString& error)
     const CameraDbSettings& settings = m_database.settings();
     if (settings.dataDirectory.isEmpty()) {
         log::important()
-            << "No data directory is set, which user camera databases are looked for in";
+            << "A data directory is required for carrying a user camera database forward";
         return false;
     }
     const QStringList folders = versionFolders(settings.dataDirectory);
@@ -152,6 +153,7 @@ bool CameraDbIo::loadAndSavePreviousUserXML(QString& error)
     }
     const QString older = olderUserFile(settings, folders);
     const auto fail = [&](const QString& reason) {
+        static_cast<void>(m_database.setUserData({}, cameradb::kCurrentVersion));
         if (!older.isEmpty()) {
             error = older + QStringLiteral(": ") + reason;
         }
