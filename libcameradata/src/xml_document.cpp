@@ -2,11 +2,10 @@
 #include "lumo/cameradata/xml_document.h"
 
 #include "lumo/cameradata/xml_values.h"
+#include "lumo/foundation/file.h"
 
 #include <QBuffer>
 #include <QDomDocument>
-#include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStringList>
 #include <QXmlStreamReader>
@@ -262,26 +261,11 @@ bool domFromString(const QString& text, QDomDocument& document, QString& error)
 
 bool readFile(const QString& path, QByteArray& content, QString& error)
 {
-    constexpr qint64 kMaxBytes = qint64{1} << 30;
-    const auto fail = [&](const QString& reason) {
+    QString reason;
+    if (!file::read(path, kMaxFileBytes, content, reason)) {
         error = QStringLiteral("%1: %2").arg(path, reason);
         return false;
-    };
-    QFile file(path);
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) {
-        return fail(QStringLiteral("not a regular file"));
     }
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(file.errorString());
-    }
-    if (file.size() > kMaxBytes) {
-        return fail(QStringLiteral("larger than %1 bytes").arg(kMaxBytes));
-    }
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        return fail(file.errorString());
-    }
-    content = std::move(bytes);
     return true;
 }
 

@@ -175,7 +175,7 @@ TEST(XmlDocument, AFileThatCannotBeReadIsNamed)
 
     ASSERT_TRUE(file.resize((qint64{1} << 30) + 1)); // on disk it takes no more
     EXPECT_FALSE(domFromFile(path, document, error));
-    EXPECT_EQ(error, path + QStringLiteral(": larger than 1073741824 bytes"));
+    EXPECT_EQ(error, path + QStringLiteral(": larger than 1024 MiB"));
 }
 
 } // namespace

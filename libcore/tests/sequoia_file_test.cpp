@@ -287,8 +287,8 @@ TEST(SequoiaFile, ACopyAppearsWholeAndNeverOverAnotherFile)
         {source, source, source + ": already exists"},
         {source, target, target + ": already exists"},
         {target, folder.filePath("c.tif"), "has 960 rows instead of 970"},
-        {folder.filePath("none"), folder.filePath("c.tif"), "no such file"},
-        {folder.path(), folder.filePath("c.tif"), "no such file"},
+        {folder.filePath("none"), folder.filePath("c.tif"), "No such file or directory"},
+        {folder.path(), folder.filePath("c.tif"), "not a regular file"},
     };
     for (const auto& [from, to, reason] : cases) {
         error.clear();

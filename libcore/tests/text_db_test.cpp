@@ -315,7 +315,7 @@ TEST_F(TextDBFile, BytesThatAreNoTextAreRefused)
     ASSERT_TRUE(file.resize(qint64(256) * 1024 * 1024 + 1));
     QString error;
     EXPECT_FALSE(loadTextDB(m_path, m_data, error));
-    EXPECT_EQ(error, m_path + ": the file is larger than 256 MiB");
+    EXPECT_EQ(error, m_path + ": larger than 256 MiB");
     ASSERT_TRUE(file.remove());
     EXPECT_FALSE(loadTextDB(m_path, m_data, error));
     EXPECT_EQ(error, m_path + ": No such file or directory");

@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <system_error>
+#include <utility>
 
 namespace lumo::file {
 
@@ -196,6 +197,30 @@ QString cleanup(const QString& path)
     QString slashed = path;
     slashed.replace(QLatin1Char('\\'), QLatin1Char('/'));
     return QDir::cleanPath(slashed);
+}
+
+bool read(const QString& path, qint64 maxBytes, QByteArray& content, QString& reason)
+{
+    if (exists(path) && !QFileInfo(path).isFile()) {
+        reason = QStringLiteral("not a regular file");
+        return false;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        reason = file.errorString();
+        return false;
+    }
+    if (file.size() > maxBytes) {
+        reason = QStringLiteral("larger than %1 MiB").arg(maxBytes >> 20);
+        return false;
+    }
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        reason = file.errorString();
+        return false;
+    }
+    content = std::move(bytes);
+    return true;
 }
 
 bool copy(const QString& source, const QString& target, QString& error)

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cameraInfo/csv.h"
 #include "lumo/core/cameraInfo/text_db.h"
+#include "lumo/foundation/file.h"
 
 #include <QByteArray>
-#include <QFile>
 #include <QTextCodec>
 
 #include <algorithm>
@@ -45,33 +45,10 @@ csv::Place placeOf(const QString& text, int position)
         position - (before.lastIndexOf(QLatin1Char('\n')) + 1) + 1};
 }
 
-bool readBytes(const QString& path, QByteArray& bytes, QString& reason)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        reason = file.errorString();
-        return false;
-    }
-    if (file.isSequential()) {
-        reason = QStringLiteral("not a regular file");
-        return false;
-    }
-    if (file.size() > kMaxBytes) {
-        reason = QStringLiteral("the file is larger than 256 MiB");
-        return false;
-    }
-    bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        reason = file.errorString();
-        return false;
-    }
-    return true;
-}
-
 bool readText(const QString& path, QString& text, QString& reason)
 {
     QByteArray bytes;
-    if (!readBytes(path, bytes, reason)) {
+    if (!file::read(path, kMaxBytes, bytes, reason)) {
         return false;
     }
     if (!decode(bytes, text)) {

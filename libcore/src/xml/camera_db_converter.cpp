@@ -10,7 +10,6 @@
 
 #include <QBuffer>
 #include <QDomDocument>
-#include <QFile>
 
 #include <array>
 #include <deque>
@@ -52,19 +51,6 @@ QByteArray run(const Step& step, const QByteArray& document)
         throw std::runtime_error("the document cannot be read from memory");
     }
     return conversion->convert(&input);
-}
-
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw std::runtime_error(file.errorString().toStdString());
-    }
-    const QByteArray content = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        throw std::runtime_error(file.errorString().toStdString());
-    }
-    return content;
 }
 
 } // namespace
@@ -141,7 +127,10 @@ bool CameraDbConverter::convert(const QString& outputFile, QString& error)
         return false;
     }
     try {
-        QByteArray document = readAll(m_impl->inputFile);
+        QByteArray document;
+        if (!xml::readFile(m_impl->inputFile, document, error)) {
+            return false;
+        }
         for (const Step* step : m_impl->steps) {
             document = run(*step, document);
         }

@@ -2,6 +2,7 @@
 #include "lumo/core/xml/lumo_xml_validator.h"
 
 #include "lumo/cameradata/xml_document.h"
+#include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "xml/quick_schema.h"
 #include "xml/restricted_network.h"
@@ -9,7 +10,6 @@
 
 #include <QAbstractMessageHandler>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QSourceLocation>
 #include <QUrl>
@@ -133,14 +133,8 @@ QString XmlValidator::Impl::firstFault() const
 bool XmlValidator::Impl::read(const QString& path, QByteArray& content)
 {
     const QUrl uri = QUrl::fromLocalFile(path);
-    QFile input(path);
-    if (!input.open(QIODevice::ReadOnly)) {
-        report(input.errorString(), uri);
-        return false;
-    }
-    content = input.readAll();
     QString reason;
-    if (!checkXml(content, reason)) {
+    if (!file::read(path, kMaxFileBytes, content, reason) || !checkXml(content, reason)) {
         report(reason, uri);
         return false;
     }

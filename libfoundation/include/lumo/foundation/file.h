@@ -35,6 +35,13 @@ namespace lumo::file {
 /// Backslashes become slashes; double slashes, "." and ".." are resolved.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT QString cleanup(const QString& path);
 
+/// The content of a regular file or Qt resource; a pipe or a device might never end.
+/// \param maxBytes  whole MiB; what is larger is refused
+/// \param[out] content  replaced on success, untouched on failure
+/// \param[out] reason  on failure why, without the path, else untouched
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool read(
+    const QString& path, qint64 maxBytes, QByteArray& content, QString& reason);
+
 /// Copies a file's content and mode to a path where nothing is yet, not even a
 /// dangling link. The copy is flushed to the disk before it appears there;
 /// nothing does when it fails.
