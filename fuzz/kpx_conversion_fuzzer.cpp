@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fuzz_target.h"
+#include "lumo/core/xml/lumo_xml_validator.h"
 #include "lumo/core/xml/param_converter.h"
 #include "lumo/core/xml/register_xml_converters.h"
+#include "lumo/foundation/file.h"
 #include "lumo/foundation/system.h"
 #include "memory_file.h"
 
@@ -12,13 +14,11 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace lumo;
-    constexpr int target = 3;
-    static const bool once = [] {
+    static const int target = [] {
         registerXmlConverters();
         system::setApplicationDirectory(QStringLiteral(LUMO_RESOURCES_PARENT));
-        return true;
+        return file::filename(getCurrentXsdPath()).toInt();
     }();
-    static_cast<void>(once);
     QByteArray result;
     try {
         const fuzz::MemoryFile file(data, size);
