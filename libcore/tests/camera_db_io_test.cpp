@@ -255,6 +255,22 @@ TEST_F(CameraDbFiles, AUserFileThatDoesNotLoadIsNeverOverwritten)
     }
 }
 
+TEST_F(CameraDbFiles, AUserFileWithRecordsThatAreNotTakenIsNeverOverwritten)
+{
+    const QByteArray content =
+        sample(19).replace("<camera name=\"FC6310", "<camera name=\"a/b FC6310");
+    put(path("19/ucmdb.xml"), content);
+    CameraModelDb store = makeStore();
+    QString error;
+    EXPECT_FALSE(loadCameraDatabases(store, error));
+    const QString fault = "line 39: camera \"a/b FC6310_8.8_5472x3648\": The camera name is not";
+    EXPECT_TRUE(error.contains("ucmdb.xml' holds records that cannot be used: " + fault))
+        << qPrintable(error);
+    EXPECT_FALSE(store.userData().rigs.empty()) << "what can be used is";
+    EXPECT_FALSE(store.setMapping("x", "Mine", true));
+    EXPECT_EQ(contentOf(path("19/ucmdb.xml")), content);
+}
+
 TEST_F(CameraDbFiles, EditsAreSavedAndComeBack)
 {
     CameraModelDb store = makeStore();

@@ -272,27 +272,58 @@ TEST(CameraDbXml, ADocumentWithoutDatabaseOrCamerasIsRefused)
     EXPECT_FALSE(modified);
 }
 
-TEST(CameraDbXml, RecordsThatAreNotValidAndCommentsAreLeftOut)
+TEST(CameraDbXml, RecordsThatAreNotTakenAreToldAndCommentsAreLeftOut)
 {
-    const QString camera = QStringLiteral(
-        "<camera name='%1'><imageWidth>4</imageWidth><imageHeight>3</imageHeight>"
-        "<pixelSize>0.1</pixelSize><lensType>spherical</lensType><exifID>%1</exifID></camera>");
+    const auto camera = [](const char* name, int width = 4) {
+        return QStringLiteral(
+                   "<camera name='%1'><imageWidth>%2</imageWidth><imageHeight>3</imageHeight>"
+                   "<pixelSize>0.1</pixelSize><lensType>spherical</lensType><exifID>%1</exifID>"
+                   "</camera>\n")
+            .arg(QLatin1String(name))
+            .arg(width);
+    };
+    const QString rig = QStringLiteral("<rig name='%1'><referenceCamera index='%2'/>%3</rig>\n");
     const QString text =
-        QStringLiteral("<cameraModelDB><rigs><rig name='R'/></rigs><cameras>") + camera.arg("A") +
-        QStringLiteral("<!-- c --><camera name='B'/>") +
-        camera.arg("C")
+        QStringLiteral("<cameraModelDB><rigs>\n") + rig.arg("R", "0", "<camera/>") +
+        rig.arg("R", "0", "<camera/>") + rig.arg("", "0", "<camera/>") + rig.arg("S", "0", "") +
+        rig.arg("S", "2", "<camera/>") + QStringLiteral("</rigs><cameras>\n") + camera("A") +
+        QStringLiteral("<!-- c --><camera name='B'/>\n") +
+        camera("C")
             .replace(QStringLiteral("camera "), QStringLiteral("other "))
             .replace(QStringLiteral("/camera"), QStringLiteral("/other")) +
+        camera("A", 5) + camera("a/b") +
+        camera("D").replace(
+            QStringLiteral("<exifID"),
+            QStringLiteral("<bandConfig><band name='x' wavelength='-1'/></bandConfig><exifID")) +
         QStringLiteral("</cameras><mappings><mapping exif='a' camera='A'/><!-- c -->"
                        "<mapping exif='a' camera='C'/></mappings></cameraModelDB>");
+    const log::Capture log;
     const CameraDBData data = read(text);
-    EXPECT_TRUE(data.rigs.empty());
+    EXPECT_EQ(
+        data.skipped.join('\n').toStdString(),
+        "line 3: rig \"R\": takes the place of an earlier one of this name\n"
+        "line 4: rig \"\": The rig has no name\n"
+        "line 5: rig \"S\": The rig has one camera only\n"
+        "line 6: rig \"S\": The index of the reference camera is that of none\n"
+        "line 9: camera \"B\": The image size is 0\n"
+        "line 11: camera \"A\": takes the place of an earlier one of this name and serial number\n"
+        "line 12: camera \"a/b\": The camera name is not allowed\n"
+        "line 13: camera \"D\": Band 'x' has an invalid wavelength, width or weight\n"
+        "line 14: mapping \"a\": takes the place of an earlier one of this identifier");
+    EXPECT_EQ(data.rigs.size(), 1u);
     ASSERT_EQ(data.cameras.size(), 2u); // an element behind counts, whatever its name
-    EXPECT_EQ(data.cameras.begin()->second.bandConfigs, std::vector{band::makeRGBBands()});
+    const CameraModelFromDB& last = data.cameras.begin()->second;
+    EXPECT_EQ(last.params.imageWidth, 5u);
+    EXPECT_EQ(last.bandConfigs, std::vector{band::makeRGBBands()});
+    EXPECT_EQ(last.exifId, QString()) << "it equals the name";
     EXPECT_EQ(data.cameras.count(QStringLiteral("C")), 1u);
     EXPECT_EQ(
         data.mappings, (std::map<QString, QString>{{QStringLiteral("a"), QStringLiteral("C")}}));
-    EXPECT_FALSE(written(data).contains(QStringLiteral("exifID"))) << "it equals the name";
+    QStringList logged;
+    for (const auto& record : log.records()) {
+        logged.append(record.text);
+    }
+    EXPECT_EQ(logged, data.skipped);
 }
 
 TEST(CameraDbXml, TheSourceFollowsFromTheDatabase)
@@ -323,9 +354,16 @@ TEST(CameraDbXml, MergingAddsNewNamesAndReplacesOnlyIfTold)
          testModel(QStringLiteral("B"), QStringLiteral("S1")),
          testModel(QStringLiteral("B"), QStringLiteral("S2"))});
     added.mappings = {{QStringLiteral("e"), QStringLiteral("B")}};
+    RigModel rig(QStringLiteral("R"));
+    rig.refCamera[RigKey::ExifString] = QStringLiteral("x");
+    rig.secondaries = {{rig.refCamera, {}}};
+    added.rigs = {{QStringLiteral("R"), rig}, {QStringLiteral("S"), rig}};
+    added.rigs.at(QStringLiteral("S")).name = QStringLiteral("S");
     const QDomDocument document = parsed(written(added));
     CameraDBData before = dataOf({testModel(QStringLiteral("A"))});
     before.mappings = {{QStringLiteral("e"), QStringLiteral("A")}};
+    rig.adjustRefCamera = 0;
+    before.rigs = {{QStringLiteral("R"), rig}};
 
     CameraDBData data = before;
     bool modified = false;
@@ -335,6 +373,8 @@ TEST(CameraDbXml, MergingAddsNewNamesAndReplacesOnlyIfTold)
     EXPECT_EQ(data.cameras.count(QStringLiteral("B")), 2u);
     EXPECT_EQ(data.cameras.begin()->second.params.imageWidth, 4000u);
     EXPECT_EQ(data.mappings, before.mappings);
+    EXPECT_EQ(data.rigs.size(), 2u);
+    EXPECT_EQ(data.rigs.at(QStringLiteral("R")), rig);
     ASSERT_TRUE(getXML(document, true, true, false, data, modified));
     EXPECT_FALSE(modified) << "all names are there";
 
@@ -342,6 +382,7 @@ TEST(CameraDbXml, MergingAddsNewNamesAndReplacesOnlyIfTold)
     EXPECT_TRUE(modified);
     EXPECT_EQ(data.cameras.size(), 4u);
     EXPECT_EQ(data.mappings, added.mappings);
+    EXPECT_EQ(data.rigs, added.rigs);
     EXPECT_TRUE(std::any_of(data.cameras.begin(), data.cameras.end(), [](const auto& entry) {
         return entry.second.params.imageWidth == 4001u;
     }));

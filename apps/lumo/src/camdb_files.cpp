@@ -9,6 +9,7 @@
 #include "lumo/foundation/file.h"
 
 #include <QJsonObject>
+#include <QStringList>
 
 #include <stdexcept>
 
@@ -18,6 +19,23 @@ namespace {
 bool isTextDb(const QString& file)
 {
     return file.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive);
+}
+
+/// What keeps a document of the current version, or records of it, from being used.
+QStringList documentFaults(const QString& file)
+{
+    cameradb::CameraDBData data;
+    QString error;
+    return hasDbLastestFormat(file, error) && cameradb::loadDocument(file, data, error)
+               ? data.skipped
+               : QStringList{error};
+}
+
+QStringList textDbFaults(const QString& file)
+{
+    cameradb::CameraDBData data;
+    QString error;
+    return cameradb::loadTextDB(file, data, error) ? QStringList() : QStringList{error};
 }
 
 } // namespace
@@ -50,14 +68,17 @@ ExitCode exportTo(const QString& file, bool internal, const CommonOptions& optio
 
 ExitCode validate(const QString& file, const CommonOptions& options)
 {
-    QString error;
-    cameradb::CameraDBData data;
-    const bool valid =
-        isTextDb(file) ? cameradb::loadTextDB(file, data, error) : hasDbLastestFormat(file, error);
+    const QStringList faults = isTextDb(file) ? textDbFaults(file) : documentFaults(file);
     if (options.json) {
-        printJsonLine({{"file", file}, {"valid", valid}, {"error", error}});
+        printJsonLine(
+            {{"file", file},
+             {"valid", faults.isEmpty()},
+             {"error", faults.join(QStringLiteral("; "))}});
     }
-    return valid ? AllDone : failed(file, error);
+    for (const QString& fault : faults) {
+        sayFailure(file, fault);
+    }
+    return faults.isEmpty() ? AllDone : SomethingFailed;
 }
 
 ExitCode convert(const QString& input, const QString& output, const CommonOptions&)

@@ -119,6 +119,29 @@ TEST_F(Camdb, AFaultIsNamedWithLineAndColumn)
     EXPECT_TRUE(run.err.contains("what"));
 }
 
+TEST_F(Camdb, ARecordThatCannotBeUsedIsAFaultAndIsNotLost)
+{
+    QFile sample(samplePath("camdb/camdb_19.xml"));
+    ASSERT_TRUE(sample.open(QIODevice::ReadOnly));
+    const QByteArray content =
+        sample.readAll().replace("<camera name=\"FC6310", "<camera name=\"a/b FC6310");
+    ASSERT_TRUE(QDir().mkpath(path("data/cameraDB/19")));
+    QFile file(path("data/cameraDB/19/ucmdb.xml"));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.write(content);
+    file.flush();
+    const QByteArray fault = "line 39: camera \"a/b FC6310_8.8_5472x3648\": ";
+    const ProgramRun run = camdb({"validate", file.fileName()});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains("lumo: " + file.fileName().toUtf8() + ": " + fault))
+        << run.err.toStdString();
+    const ProgramRun edit = camdb({"map", "x", "FC6310_8.8_4864x3648"});
+    EXPECT_EQ(edit.exitCode, 1);
+    EXPECT_TRUE(edit.err.contains(fault)) << edit.err.toStdString();
+    file.seek(0);
+    EXPECT_EQ(file.readAll(), content);
+}
+
 TEST_F(Camdb, OlderDatabasesAreConverted)
 {
     const QString old = samplePath("camdb/camdb_16.xml");

@@ -97,6 +97,29 @@ QString formatFault(const QString& userFile)
     return hasDbLastestFormat(userFile, fault) ? QString() : QStringLiteral(": ") + fault;
 }
 
+/// Loads the user file if there is one. Saving would lose what of it is not held.
+bool loadUser(CameraDbIo& io, CameraModelDb& database, QString& error)
+{
+    const QString file = database.settings().userDBLoadFileName(cameradb::kCurrentVersion);
+    if (!database.enabledUserDB() || !file::exists(file)) {
+        return true;
+    }
+    if (!io.loadXML(QString(), file)) {
+        error = QStringLiteral("'%1' does not load; it is left as it is, and your own cameras "
+                               "and rigs can neither be used nor changed%2")
+                    .arg(file, formatFault(file));
+    } else if (!database.userData().skipped.isEmpty()) {
+        error = QStringLiteral("'%1' holds records that cannot be used: %2. It is left as it is, "
+                               "and your own cameras and rigs cannot be changed until these "
+                               "records are mended or removed")
+                    .arg(file, database.userData().skipped.join(QStringLiteral("; ")));
+    } else {
+        return true;
+    }
+    database.setUserDBReadOnly(true);
+    return false;
+}
+
 } // namespace
 
 bool loadCameraDatabases(CameraModelDb& database, QString& error)
@@ -119,17 +142,7 @@ bool loadCameraDatabases(CameraModelDb& database, QString& error)
         }
         return false;
     }
-    if (!loadInternal(database, io, error)) {
-        return false;
-    }
-    if (database.enabledUserDB() && file::exists(userFile) && !io.loadXML(QString(), userFile)) {
-        database.setUserDBReadOnly(true);
-        error = QStringLiteral("'%1' does not load; it is left as it is, and your own cameras "
-                               "and rigs can neither be used nor changed%2")
-                    .arg(userFile, formatFault(userFile));
-        return false;
-    }
-    return true;
+    return loadInternal(database, io, error) && loadUser(io, database, error);
 }
 
 } // namespace lumo

@@ -6,6 +6,8 @@
 #include <QDomElement>
 #include <QXmlStreamWriter>
 
+#include <utility>
+
 namespace lumo {
 namespace {
 
@@ -30,7 +32,7 @@ std::vector<bands_t> readBandConfigs(const QDomElement& element)
         bands_t bands;
         bands.readXML(child);
         if (!bands.empty()) {
-            configs.push_back(bands);
+            configs.push_back(std::move(bands));
         }
     }
     if (configs.empty()) {
@@ -52,11 +54,11 @@ void CameraModelFromDB::saveXML(QXmlStreamWriter& writer) const
     if (!exifId.isEmpty() && exifId != params.name) {
         xml::writeTag(writer, "exifID", exifId);
     }
-    const std::size_t first = defaultBandConfig < bandConfigs.size() ? defaultBandConfig : 0;
-    writeBandConfig(writer, defaultBands());
-    for (std::size_t i = 0; i < bandConfigs.size(); ++i) {
-        if (i != first) {
-            writeBandConfig(writer, bandConfigs[i]);
+    const bands_t& first = defaultBands();
+    writeBandConfig(writer, first);
+    for (const bands_t& bands : bandConfigs) {
+        if (&bands != &first) {
+            writeBandConfig(writer, bands);
         }
     }
     writer.writeEndElement();
@@ -67,7 +69,9 @@ void CameraModelFromDB::readXML(const QDomElement& element, std::size_t /*versio
     serialNumber = xml::readValue(element, "serialNumber", QString());
     io::readCameraParams(element, params);
     params.name = xml::readValue(element, "name", QString());
-    xml::readTagText(element, "exifID", exifId);
+    if (xml::readTagText(element, "exifID", exifId) && exifId == params.name) {
+        exifId.clear();
+    }
     bandConfigs = readBandConfigs(element);
     defaultBandConfig = 0;
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
 
+#include "cameraInfo/camera_table.h"
 #include "cameraInfo/document_fault.h"
 #include "cameraInfo/rig_model_xml.h"
+#include "lumo/cameradata/xml_document.h"
 #include "lumo/cameradata/xml_values.h"
 #include "lumo/foundation/log.h"
 #include "xml/camera_db_version.h"
@@ -10,7 +12,7 @@
 #include <QDomDocument>
 #include <QXmlStreamWriter>
 
-#include <algorithm>
+#include <utility>
 
 namespace lumo::cameradb {
 namespace {
@@ -40,14 +42,70 @@ CameraSource sourceInDatabase(CameraSource source, bool userDatabase)
     return kept ? source : CameraSource::UserDatabase;
 }
 
+/// Notes that the tables do not hold what a record says.
+void skip(
+    const QDomElement& element, const QString& name, const QString& reason, CameraDBData& data)
+{
+    // Documents that were not parsed know no lines.
+    const QString place = element.lineNumber() > 0
+                              ? QStringLiteral("line %1: ").arg(element.lineNumber())
+                              : QString();
+    const QString text =
+        QStringLiteral("%1%2 \"%3\": %4").arg(place, element.tagName(), name, reason);
+    log::warning() << text;
+    data.skipped.append(text);
+}
+
+/// Why a rig that was read is not valid.
+QString faultOf(const RigModel& rig)
+{
+    if (rig.name.isEmpty()) {
+        return QStringLiteral("The rig has no name");
+    }
+    return rig.secondaries.empty()
+               ? QStringLiteral("The rig has one camera only")
+               : QStringLiteral("The index of the reference camera is that of none");
+}
+
 void readRigs(const QDomElement& rigs, std::size_t version, CameraDBData& data)
 {
     forEachFrom(rigs, QStringLiteral("rig"), [&](const QDomElement& element) {
-        const RigModel rig = readRig(element, version);
-        if (rig.valid()) {
-            data.rigs.insert_or_assign(rig.name, rig);
+        RigModel rig = readRig(element, version);
+        const QString name = rig.name;
+        if (!rig.valid()) {
+            skip(element, name, faultOf(rig), data);
+        } else if (!data.rigs.insert_or_assign(name, std::move(rig)).second) {
+            skip(
+                element, name, QStringLiteral("takes the place of an earlier one of this name"),
+                data);
         }
     });
+}
+
+/// Why a camera that was read is not valid.
+QString faultOf(const CameraModelFromDB& camera)
+{
+    QString fault;
+    bool valid = camera.valid(fault, npos);
+    for (auto bands = camera.bandConfigs.begin(); valid && bands != camera.bandConfigs.end();
+         ++bands) {
+        valid = bands->valid(fault, true, true, false);
+    }
+    return fault;
+}
+
+/// Holds the camera in place of the one of its name and serial number.
+/// \returns whether there was one
+bool putBody(CameraModelFromDB&& camera, CameraDBData& data)
+{
+    const auto held = cameratable::findExact(data.cameras, camera.params.name, camera.serialNumber);
+    const bool replaces = held != data.cameras.end();
+    if (replaces) {
+        data.cameras.erase(held);
+    }
+    const QString name = camera.params.name;
+    data.cameras.emplace(name, std::move(camera));
+    return replaces;
 }
 
 void readCameras(
@@ -57,8 +115,14 @@ void readCameras(
         CameraModelFromDB camera;
         camera.readXML(element, version);
         camera.params.source = sourceInDatabase(camera.params.source, userDatabase);
-        if (camera.valid(npos, true)) {
-            data.cameras.emplace(camera.params.name, camera);
+        const QString name = camera.params.name;
+        if (!camera.valid(npos, true)) {
+            skip(element, name, faultOf(camera), data);
+        } else if (putBody(std::move(camera), data)) {
+            skip(
+                element, name,
+                QStringLiteral("takes the place of an earlier one of this name and serial number"),
+                data);
         }
     });
 }
@@ -67,7 +131,14 @@ void readMappings(const QDomElement& mappings, CameraDBData& data)
 {
     forEachFrom(mappings, QStringLiteral("mapping"), [&](const QDomElement& element) {
         const QString exifId = xml::readValue(element, "exif", QString());
-        data.mappings[exifId] = xml::readValue(element, "camera", QString());
+        const QString camera = xml::readValue(element, "camera", QString());
+        const auto [held, isNew] = data.mappings.emplace(exifId, camera);
+        if (!isNew && held->second != camera) {
+            held->second = camera;
+            skip(
+                element, exifId,
+                QStringLiteral("takes the place of an earlier one of this identifier"), data);
+        }
     });
 }
 
@@ -91,42 +162,28 @@ bool read(const QDomDocument& document, bool userDatabase, CameraDBData& data)
     return true;
 }
 
-/// Removes the camera of this name and serial number.
-void removeBody(const CameraModelFromDB& camera, CameraDBData& data)
-{
-    const auto [first, last] = data.cameras.equal_range(camera.params.name);
-    const auto body = std::find_if(first, last, [&camera](const auto& entry) {
-        return entry.second.serialNumber == camera.serialNumber;
-    });
-    if (body != last) {
-        data.cameras.erase(body);
-    }
-}
-
-bool mergeCameras(const CameraDBData& added, bool overwrite, CameraDBData& data)
+bool mergeCameras(CameraDBData&& added, bool overwrite, CameraDBData& data)
 {
     // Names are looked up in what was there before: the bodies of a new model
     // share theirs, and come all or none.
-    std::vector<CameraModelFromDB> taken;
-    for (const auto& [name, camera] : added.cameras) {
-        if (overwrite || data.cameras.count(name) == 0) {
-            taken.push_back(camera);
-        }
+    if (!overwrite) {
+        std::erase_if(added.cameras, [&data](const auto& entry) {
+            return data.cameras.contains(entry.first);
+        });
     }
-    for (const CameraModelFromDB& camera : taken) {
-        removeBody(camera, data);
-        data.cameras.emplace(camera.params.name, camera);
+    for (auto& [name, camera] : added.cameras) {
+        putBody(std::move(camera), data);
     }
-    return !taken.empty();
+    return !added.cameras.empty();
 }
 
 template <typename Table>
-bool mergeTable(const Table& added, bool overwrite, Table& table)
+bool mergeTable(Table&& added, bool overwrite, Table& table)
 {
     bool modified = false;
-    for (const auto& [key, value] : added) {
-        if (overwrite || table.count(key) == 0) {
-            table.insert_or_assign(key, value);
+    for (auto& [key, value] : added) {
+        if (overwrite || !table.contains(key)) {
+            table.insert_or_assign(key, std::move(value));
             modified = true;
         }
     }
@@ -153,10 +210,25 @@ bool getXML(
     if (!read(document, userDatabase, added)) {
         return false;
     }
-    const bool cameras = mergeCameras(added, overwrite, data);
-    const bool rigs = mergeTable(added.rigs, overwrite, data.rigs);
-    const bool mappings = mergeTable(added.mappings, overwrite, data.mappings);
+    const bool cameras = mergeCameras(std::move(added), overwrite, data);
+    const bool rigs = mergeTable(std::move(added.rigs), overwrite, data.rigs);
+    const bool mappings = mergeTable(std::move(added.mappings), overwrite, data.mappings);
     modified = cameras || rigs || mappings;
+    return true;
+}
+
+bool loadDocument(const QString& file, CameraDBData& data, QString& error)
+{
+    QDomDocument document;
+    CameraDBData tables;
+    if (!xml::domFromFile(file, document, error)) {
+        return false;
+    }
+    if (!read(document, true, tables)) {
+        error = file + QStringLiteral(": is no camera database");
+        return false;
+    }
+    data = std::move(tables);
     return true;
 }
 

@@ -102,7 +102,8 @@ struct LUMO_CORE_EXPORT CameraModelFromDB
     void saveXML(QXmlStreamWriter& writer) const;
 
     /// Takes all fields from an element that saveXML wrote; what is missing is
-    /// empty, but the identifier stays as it is. Configurations without bands are
+    /// empty, but the identifier stays as it is. One that equals the name becomes
+    /// empty. Configurations without bands are
     /// left out; without any there is one of RGB.
     /// \param version  of the document around it; all so far are read alike
     void readXML(const QDomElement& element, std::size_t version);

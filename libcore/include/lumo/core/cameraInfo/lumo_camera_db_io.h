@@ -83,12 +83,14 @@ private:
 /// user file. Where no internal file can be made, and without a data directory, the
 /// shipped database is held in memory alone. A disabled user database stays empty.
 ///
-/// A user file that does not load makes the user database read-only, so that nothing
-/// overwrites it. So does an older one that cannot be carried forward; then nothing is
-/// written, for the folder of the current version would keep the next start from
+/// A user file that does not load, or holds records that cannot be used, makes the user
+/// database read-only, so that nothing overwrites it; in the second case the other
+/// records are there. So does an older one that cannot be carried forward; then nothing
+/// is written, for the folder of the current version would keep the next start from
 /// trying again.
 /// \param[out] error  on failure what failed, else untouched
-/// \returns false if the internal tables are empty or the user file did not load
+/// \returns false if the internal tables are empty, or the user file did not load as
+///     a whole
 [[nodiscard]] LUMO_CORE_EXPORT bool loadCameraDatabases(CameraModelDb& database, QString& error);
 
 } // namespace lumo

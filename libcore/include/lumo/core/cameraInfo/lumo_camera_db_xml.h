@@ -30,8 +30,11 @@ using HeaderPairs = std::vector<std::pair<QString, QString>>;
 /// Reads a document into the tables of one database.
 ///
 /// Only `cameras` has to be there. Cameras and rigs that are not valid are left
-/// out in silence. The source of cameras becomes InternalDatabase, or for a user
-/// database UserDatabase unless it is EditedDatabase or Exif.
+/// out, and of two records under one key (cameras: name and serial number) the
+/// later counts; each record that is lost so is logged as a warning, and stands in
+/// `data.skipped` unless the document is merged. The source of cameras becomes
+/// InternalDatabase, or for a user database UserDatabase unless it is
+/// EditedDatabase or Exif.
 ///
 /// Otherwise than merging, the tables are emptied first, also if reading fails
 /// then; `modified` says whether they hold or (on failure) held anything.
@@ -45,6 +48,12 @@ using HeaderPairs = std::vector<std::pair<QString, QString>>;
 [[nodiscard]] LUMO_CORE_EXPORT bool getXML(
     const QDomDocument& document, bool userDatabase, bool merge, bool overwrite, CameraDBData& data,
     bool& modified);
+
+/// Reads a document of the current version as a user database, for a look at it.
+/// \param[out] data   replaced on success, untouched on failure
+/// \param[out] error  on failure "PATH: reason", else untouched
+[[nodiscard]] LUMO_CORE_EXPORT bool loadDocument(
+    const QString& file, CameraDBData& data, QString& error);
 
 /// The format version of a document: the attribute `value` of element `version`,
 /// else its text; 0 if there is none.
