@@ -74,6 +74,34 @@ TEST(CameraModelDb, LookupByNameAndSerialNumber)
     const LookupCase cases[] = {
         {"empty name", tables({{"", 1}}), {}, "", false, 0, kInternal},
         {"other case", tables({{"Cam", 1}}), {}, "cam", false, 0, kInternal},
+        {"body under a name of other case behind",
+         tables({{"CAM#7", 1}, {"CAM", 2}, {"Cam#8", 3}}),
+         {},
+         "CAM#8",
+         true,
+         3,
+         kInternal},
+        {"generic under a name of other case behind",
+         tables({{"CAM#7", 1}, {"Cam", 2}}),
+         {},
+         "CAM#8",
+         false,
+         2,
+         kInternal},
+        {"not under one before",
+         tables({{"CAM#8", 1}, {"Cam", 2}}),
+         {},
+         "Cam#8",
+         true,
+         0,
+         kInternal},
+        {"not behind another name",
+         tables({{"CAM", 1}, {"CAN", 2}, {"Cam#8", 3}}),
+         {},
+         "CAM#8",
+         true,
+         0,
+         kInternal},
         {"internal", tables({{"Cam", 1}}), {}, "Cam", true, 1, kInternal},
         {"body", tables({{"Cam", 1}, {"Cam#7", 2}}), {}, "Cam#7", true, 2, kInternal},
         {"unknown body: generic",
@@ -234,6 +262,18 @@ TEST(CameraModelDb, RemovingAModelTakesItsMappingsUnlessItIsShipped)
     EXPECT_EQ(db.userData().mappings, (std::map<QString, QString>{{"a", "Cam"}}));
 }
 
+TEST(CameraModelDb, TextsOfTheStoreItselfCanNameWhatIsRemoved)
+{
+    cameradb::CameraDBData user = tables({{"Own", 5}, {"Own#7", 5}});
+    user.mappings = {{"a", "Own"}, {"b", "Own"}};
+    CameraModelDb db = database({}, user);
+    EXPECT_TRUE(db.removeCameraModel(db.userData().mappings.at("a"), "7", false));
+    EXPECT_TRUE(db.userData().mappings.empty());
+    const CameraModelFromDB& last = db.userData().cameras.begin()->second;
+    EXPECT_TRUE(db.removeCameraModel(last.params.name, last.serialNumber, false));
+    EXPECT_TRUE(db.emptyUserDB());
+}
+
 TEST(CameraModelDb, MappingsThatSayNothingNewAreNotHeld)
 {
     cameradb::CameraDBData internal = tables({{"A", 1}, {"B", 2}});
@@ -247,7 +287,12 @@ TEST(CameraModelDb, MappingsThatSayNothingNewAreNotHeld)
     EXPECT_TRUE(db.userData().mappings.empty());
     EXPECT_TRUE(db.setMapping("y", "A", false));
     EXPECT_TRUE(db.setMapping("y", "y", false));
+    EXPECT_TRUE(db.setMapping("z", "", false)); // as it is
     EXPECT_TRUE(db.userData().mappings.empty());
+    // There is no folder to save to, so that what is saved fails.
+    EXPECT_TRUE(db.setMapping("x", "A", true));
+    EXPECT_FALSE(db.setMapping("x", "B", true));
+    EXPECT_TRUE(db.setMapping("x", "B", true));
 }
 
 struct PixelCase
@@ -265,17 +310,63 @@ TEST(CameraModelDb, PixelSizesAreEstimatedFromOtherSizes)
     user.cameras.begin()->second.exifId = "cam_5.0_2000x1500";
     const CameraModelDb db = database(internal, user);
     const PixelCase cases[] = {
-        {"Cam_5.0_4000x3000", 2}, {"Cam_9.9_3000x4000", 2},
-        {"CAM_5.0_2000x1500", 4}, {"Cam_5.0_4000x2250", 2}, // one side in common
-        {"Cam_5.0_8000x6000", 4},                           // nearest is internal, doubled
-        {"Cam_5.0_1000x750", 2},                            // nearest is the user's, halved
-        {"Cam_5.0_750x1000", 2},  {"Other_5.0_4000x3000", 0},
-        {"Cam_4000x3000", 0},     {"a_b", 0},
+        {"Cam_5.0_4000x3000", 2},   {"Cam_9.9_3000x4000", 2},
+        {"CAM_5.0_2000x1500", 4},   {"Cam_5.0_4000x2250", 2}, // one side in common
+        {"Cam_5.0_8000x6000", 4},                             // nearest is internal, doubled
+        {"Cam_5.0_1000x750", 2},                              // nearest is the user's, halved
+        {"Cam_5.0_750x1000", 2},    {"Other_5.0_4000x3000", 0},
+        {"Cam_4000x3000", 0},       {"a_b", 0},
+        {"Cam_a_b_4000", 0}, // four tokens, and six
+        {"Cam_a_b_4000_3000_x", 0}, {"Cam_5.0_0x0", 0},
+        {"Cam_5.0_4000x0", 0},      {"Cam_5.0_99999999999x3000", 0},
+        {"Cam_5_0_4000_3000", 2}, // five, if not of the usual form
     };
     for (const PixelCase& test : cases) {
         double pixelSize = 0;
         EXPECT_EQ(db.estimatePixelSize({test.id, ""}, pixelSize), test.pixelSize > 0) << test.id;
         EXPECT_DOUBLE_EQ(pixelSize, test.pixelSize) << test.id;
+    }
+}
+
+/// Sizes and pixel sizes of entries of camera "C", in key order.
+cameradb::CameraDBData sizes(
+    std::initializer_list<std::tuple<std::size_t, std::size_t, double>> entries)
+{
+    cameradb::CameraDBData data;
+    for (const auto& [width, height, pixelSize] : entries) {
+        CameraModelFromDB model = entry(QString("k%1").arg(data.cameras.size()), pixelSize);
+        model.params.setImageSize(width, height);
+        model.exifId = "C_1.0_1x1";
+        data.cameras.emplace(model.params.name, model);
+    }
+    return data;
+}
+
+TEST(CameraModelDb, PixelSizesComeFromTheNearestOrLargestEntry)
+{
+    struct Case
+    {
+        const char* text;
+        cameradb::CameraDBData internal;
+        cameradb::CameraDBData user;
+        double pixelSize; ///< at 4000 x 2000
+    };
+    const Case cases[] = {
+        {"nearest, a side in common", sizes({{8000, 6000, 1}, {4000, 3000, 2}}), {}, 2},
+        {"largest, if the nearest has none", sizes({{4100, 2100, 1}, {8000, 4000, 2}}), {}, 1},
+        {"first of the nearest", sizes({{4000, 2100, 1}, {4000, 1900, 3}}), {}, 1},
+        {"first of the largest", sizes({{8000, 4000, 4}, {4000, 8000, 6}}), {}, 2},
+        {"none near enough: the largest", sizes({{9000, 9000, 9}}), {}, 4},
+        {"the same, turned, whatever is nearer", sizes({{4000, 2001, 1}, {2000, 4000, 3}}), {}, 3},
+        {"user's of a tie", sizes({{4000, 2100, 1}}), sizes({{4000, 1900, 2}}), 2 * 2000. / 1900},
+        {"internal if nearer", sizes({{4000, 2050, 1}}), sizes({{4000, 1900, 2}}), 1},
+    };
+    for (const Case& test : cases) {
+        double pixelSize = 0;
+        EXPECT_TRUE(database(test.internal, test.user)
+                        .estimatePixelSize({"C_1.0_4000x2000", ""}, pixelSize))
+            << test.text;
+        EXPECT_DOUBLE_EQ(pixelSize, test.pixelSize) << test.text;
     }
 }
 
@@ -309,6 +400,8 @@ TEST(CameraModelDb, SourceOfACamera)
     other.params.pixelSize = 0.003;
     CameraModelFromDB otherBody = other;
     otherBody.serialNumber = "7";
+    CameraData body = fromExif;
+    body.serialNumber = "9";
     CameraData edited = fromExif;
     edited.params.pixelSize = 0.0025;
     const auto holding = [&name](const CameraModelFromDB& model) {
@@ -333,6 +426,24 @@ TEST(CameraModelDb, SourceOfACamera)
         {"user, as the metadata", database({}, holding(same)), fromExif, testExif(),
          CameraSource::Exif},
         {"overriding", database(holding(other), holding(same)), fromExif, {}, kEdited},
+        {"as the internal one that is overridden",
+         database(holding(same), holding(other)),
+         fromExif,
+         {},
+         kInternal},
+        {"user's differs, no internal",
+         database({}, holding(other)),
+         fromExif,
+         {},
+         CameraSource::Custom},
+        {"body that is not held", database(holding(same)), body, testExif(), kInternal},
+        {"body that is not held, no metadata",
+         database(holding(same)),
+         body,
+         {},
+         CameraSource::Custom},
+        {"body that is not held, user, as the metadata", database({}, holding(same)), body,
+         testExif(), CameraSource::Exif},
         {"internal differs", database(holding(other)), fromExif, {}, CameraSource::Custom},
         {"internal differs, as the metadata", database(holding(other)), fromExif, testExif(),
          CameraSource::Exif},

@@ -106,6 +106,20 @@ TEST(CopyCameraModel, WhatIsKeptStaysAndMakesTheCameraCustom)
     }
 }
 
+TEST(CopyCameraModel, WhatIsKeptAndEqualsTheModelMakesCustomOnlyIfAllElseDiffers)
+{
+    const CameraModelFromDB model = testModel("Cam");
+    for (const double pixelSize : {model.params.pixelSize, 0.003}) {
+        CameraData camera = model.camera();
+        camera.params.pixelSize = pixelSize;
+        camera.keepShutter = true;
+        copyCameraModelToParams(model, CameraSource::UserDatabase, camera, npos);
+        EXPECT_EQ(
+            camera.params.source,
+            pixelSize == 0.003 ? CameraSource::Custom : CameraSource::UserDatabase);
+    }
+}
+
 TEST(CopyCameraModel, KeepingVignettingThatIsNotThereIsForgotten)
 {
     CameraModelFromDB model = testModel("Cam");

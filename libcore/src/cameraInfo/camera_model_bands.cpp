@@ -17,8 +17,7 @@ std::size_t findConfig(
         }
     }
     for (std::size_t i = 0; i < configs.size(); ++i) {
-        if (configs[i].size() == count ||
-            configs[i].size() - configs[i].garbageBandCount() != count) {
+        if (configs[i].size() == count || !hasBandCount(configs[i], count)) {
             continue;
         }
         bands_t cleaned = configs[i];

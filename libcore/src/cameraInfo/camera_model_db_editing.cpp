@@ -86,10 +86,13 @@ bool CameraModelDb::removeCameraModel(const QString& name, const QString& serial
     if (own == m_user.cameras.end()) {
         return false;
     }
+    // The name and number may be texts of what is removed here.
+    const QString removed = name;
+    const bool shipped = containsCameraModel(name, serialNumber, true, false);
     m_user.cameras.erase(own);
-    if (!containsCameraModel(name, serialNumber, true, false)) {
+    if (!shipped) {
         std::erase_if(
-            m_user.mappings, [&name](const auto& mapping) { return mapping.second == name; });
+            m_user.mappings, [&removed](const auto& mapping) { return mapping.second == removed; });
     }
     return !save || saveUserDb();
 }
@@ -102,12 +105,14 @@ bool CameraModelDb::setMapping(const QString& exifId, const QString& cameraName,
     const auto internal = m_internal.mappings.find(exifId);
     const bool internalHolds =
         internal != m_internal.mappings.end() && internal->second == cameraName;
+    bool changed = false;
     if (exifId == cameraName || internalHolds) {
-        m_user.mappings.erase(exifId);
-    } else {
+        changed = m_user.mappings.erase(exifId) > 0;
+    } else if (mappedName(exifId, false) != cameraName) {
         m_user.mappings.insert_or_assign(exifId, cameraName);
+        changed = true;
     }
-    return !save || saveUserDb();
+    return !save || !changed || saveUserDb();
 }
 
 bool CameraModelDb::saveUserDb()

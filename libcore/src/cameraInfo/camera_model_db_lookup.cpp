@@ -20,7 +20,8 @@ bool internalPreferred(
             (!user.serialNumber.isEmpty() && internal.serialNumber.isEmpty()));
 }
 
-QString mappedName(const std::map<QString, QString>& mappings, const QString& exifId)
+/// Empty if there is none.
+QString valueOf(const std::map<QString, QString>& mappings, const QString& exifId)
 {
     const auto mapping = mappings.find(exifId);
     return mapping == mappings.end() ? QString() : mapping->second;
@@ -94,6 +95,12 @@ bool CameraModelDb::containsCameraModel(
            ((inUser && holds(m_user.cameras)) || (inInternal && holds(m_internal.cameras)));
 }
 
+QString CameraModelDb::mappedName(const QString& exifId, bool internalOnly) const
+{
+    const QString own = internalOnly ? QString() : valueOf(m_user.mappings, exifId);
+    return own.isEmpty() ? valueOf(m_internal.mappings, exifId) : own;
+}
+
 QString CameraModelDb::exifId2cameraName(const QString& exifId, bool internalOnly) const
 {
     if (exifId.isEmpty()) {
@@ -103,10 +110,7 @@ QString CameraModelDb::exifId2cameraName(const QString& exifId, bool internalOnl
         return (!internalOnly && m_user.cameras.contains(name)) ||
                m_internal.cameras.contains(name);
     };
-    QString mapped = internalOnly ? QString() : mappedName(m_user.mappings, exifId);
-    if (mapped.isEmpty()) {
-        mapped = mappedName(m_internal.mappings, exifId);
-    }
+    const QString mapped = mappedName(exifId, internalOnly);
     if (!mapped.isEmpty() && known(mapped)) {
         return mapped;
     }

@@ -8,10 +8,10 @@ namespace lumo {
 namespace {
 
 /// A user entry that only repeats the metadata counts as metadata.
-CameraSource sourceOf(const CameraModelFromDB& model, bool fromExif)
+CameraSource sourceOf(const StoredCameraModel& stored, bool fromExif)
 {
-    return fromExif && model.params.source == CameraSource::UserDatabase ? CameraSource::Exif
-                                                                         : model.params.source;
+    return fromExif && stored.source == CameraSource::UserDatabase ? CameraSource::Exif
+                                                                   : stored.source;
 }
 
 /// The source by the camera's own name; nothing if its entries do not hold it.
@@ -19,20 +19,24 @@ std::optional<CameraSource> sourceByName(
     const CameraModelDb& db, const CameraData& camera, bool fromExif)
 {
     const QString& name = camera.params.name;
-    CameraModelFromDB model;
-    if (camera.incomplete() || !db.findCameraModel(name, camera.serialNumber, true, model, false)) {
+    if (camera.incomplete()) {
         return std::nullopt;
     }
-    if (model.contains(camera, true)) {
-        return sourceOf(model, fromExif);
-    }
-    if (!db.findCameraModel(name, camera.serialNumber, false, model, true)) {
+    const StoredCameraModel stored = db.storedCameraModel(name, camera.serialNumber, true, false);
+    if (!stored) {
         return std::nullopt;
     }
-    if (model.serialNumber != camera.serialNumber) {
+    if (stored.model->contains(camera, true)) {
+        return sourceOf(stored, fromExif);
+    }
+    const StoredCameraModel internal = db.storedCameraModel(name, camera.serialNumber, false, true);
+    if (!internal) {
+        return std::nullopt;
+    }
+    if (internal.model->serialNumber != camera.serialNumber) {
         return CameraSource::EditedDatabase;
     }
-    return model.contains(camera, true) ? std::optional(model.params.source) : std::nullopt;
+    return internal.model->contains(camera, true) ? std::optional(internal.source) : std::nullopt;
 }
 
 bool sameAsExif(const CameraData& camera, const ExifInfo& exif)
@@ -54,11 +58,9 @@ CameraSource CameraModelDb::calcCameraSource(const CameraData& camera, const Exi
     if (exif.empty()) {
         return CameraSource::Custom;
     }
-    CameraModelFromDB model;
-    if (findCameraModel(
-            exifId2cameraName(exif.exifId(), false), exif.serialNumber, false, model, false) &&
-        model.contains(camera, true)) {
-        return sourceOf(model, fromExif);
+    const StoredCameraModel stored = storedCameraModel(exif.exifId(), exif.serialNumber, false);
+    if (stored && stored.model->contains(camera, true)) {
+        return sourceOf(stored, fromExif);
     }
     return fromExif ? CameraSource::Exif : CameraSource::Custom;
 }

@@ -18,6 +18,7 @@ struct WantedCamera
     std::int64_t height = 0;
 };
 
+/// Nothing if the identifier tells no image size.
 std::optional<WantedCamera> parseIdentifier(const QString& exifId)
 {
     constexpr int kTokens = 5;
@@ -25,8 +26,13 @@ std::optional<WantedCamera> parseIdentifier(const QString& exifId)
     if (tokens.size() != kTokens) {
         return std::nullopt;
     }
-    return WantedCamera{
-        tokens[0], text::fromString<int>(tokens[3]), text::fromString<int>(tokens[4])};
+    // A size that is no number, or none that an int holds, reads as 0.
+    const int width = text::fromString<int>(tokens[3]);
+    const int height = text::fromString<int>(tokens[4]);
+    if (width <= 0 || height <= 0) {
+        return std::nullopt;
+    }
+    return WantedCamera{tokens[0], width, height};
 }
 
 std::int64_t widthOf(const CameraModelFromDB& model)

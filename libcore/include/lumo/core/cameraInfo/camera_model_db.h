@@ -126,7 +126,8 @@ public:
     /// The pixel size (mm) of a known camera at an image size that the database
     /// may not list, scaled from the nearest size that it lists by new size over
     /// stored size.
-    /// \param[out] pixelSize  untouched on failure
+    /// \param[out] pixelSize  untouched on failure: an unknown camera, or no image
+    ///     size in the first identifier
     [[nodiscard]] bool estimatePixelSize(const ExifID& exifId, double& pixelSize) const;
 
     // Editing the user database. False, with nothing changed, if editing is not
@@ -144,7 +145,10 @@ public:
         const QString& name, const QString& serialNumber, bool save);
     /// Maps an identifier to a model name; a mapping that would say what holds
     /// without it is removed. Refuses an empty identifier and "none".
+    /// \returns true also if nothing had to change; nothing is saved then
     [[nodiscard]] bool setMapping(const QString& exifId, const QString& cameraName, bool save);
+    /// Holds the rig as the user's, likewise to setCameraModel. Sources and
+    /// differences of poses within the tolerance are no change.
     [[nodiscard]] bool setRigModel(const RigModel& rig, bool save);
     [[nodiscard]] bool removeRigModel(const QString& name, bool save);
 
@@ -163,6 +167,8 @@ public:
     [[nodiscard]] CameraSource calcRigSource(const RigModel& rig) const;
 
 private:
+    /// What an identifier is mapped to, whether there is such a model or not.
+    [[nodiscard]] QString mappedName(const QString& exifId, bool internalOnly) const;
     /// Writes the user file; false, and logged, if that cannot be done.
     [[nodiscard]] bool saveUserDb();
 
