@@ -13,6 +13,7 @@ namespace {
 TEST(LoadOptimizedParameters, PerspectiveLensInMillimetres)
 {
     CameraModelFromDB model = testModel("Cam");
+    model.params.setImageSize(2000, 1500);
     loadOptimizedParameters(
         PerspectiveCamera5(4000, 3000, {2010, 1480}, 3400, {-0.1, 0.02, -0.003}, {1e-4, -2e-4}),
         model);
@@ -21,11 +22,15 @@ TEST(LoadOptimizedParameters, PerspectiveLensInMillimetres)
     EXPECT_NEAR(params.perspective.focalLengthMm, 5.1, 1e-12);
     EXPECT_NEAR(params.principalPointXMm, 3.015, 1e-12);
     EXPECT_NEAR(params.principalPointYMm, 2.22, 1e-12);
+    EXPECT_EQ(params.imageWidth, 4000u);
+    EXPECT_EQ(params.imageHeight, 3000u);
+    EXPECT_EQ(params.perspective.distortion, 6);
     EXPECT_EQ(params.perspective.radialK1, -0.1);
     EXPECT_EQ(params.perspective.radialK3, -0.003);
     EXPECT_EQ(params.perspective.tangentialT2, -2e-4);
 
     loadOptimizedParameters(PerspectiveCamera0(4000, 3000, {2000, 1500}, 3400), model);
+    EXPECT_EQ(params.perspective.distortion, 0);
     EXPECT_EQ(params.perspective.radialK1, 0.0);
     EXPECT_EQ(params.perspective.tangentialT2, 0.0);
 }
@@ -43,6 +48,7 @@ TEST(LoadOptimizedParameters, FisheyeLensWithItsDegree)
     EXPECT_EQ(lens.poly, (std::array{0.0, 1.0, 0.01, -0.1, 0.0}));
     EXPECT_FALSE(lens.symmetricAffine);
     EXPECT_EQ(lens.d, 1.0);
+    EXPECT_NEAR(model.params.focalLengthPixel(), 2 / 3.14159265 * 1600.5, 0.01);
 
     const FisheyeCamera tooLong(4000, 3000, {2000, 1500}, {0, 1, 0, 0, 0, 0}, affine);
     EXPECT_THROW(loadOptimizedParameters(tooLong, model), std::invalid_argument);

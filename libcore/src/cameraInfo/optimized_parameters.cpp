@@ -2,7 +2,7 @@
 #include "lumo/core/cameraInfo/optimized_parameters.h"
 
 #include "lumo/camerageometry/fisheye_camera.h"
-#include "lumo/camerageometry/perspective_camera.h"
+#include "lumo/camerageometry/perspective_camera_0.h"
 #include "lumo/core/cameraInfo/camera_model_from_db.h"
 
 #include <algorithm>
@@ -14,9 +14,11 @@ namespace {
 void loadPerspective(const PerspectiveCamera& camera, CameraParams& params)
 {
     params.lensType = LensType::Perspective;
-    params.setFocalLengthPixel(camera.focalLength());
     const std::array<double, 3>& radial = camera.distortion().radial();
     const std::array<double, 2>& tangential = camera.distortion().tangential();
+    constexpr int kHighestPower = 6; // of r, with K3
+    const bool distorts = dynamic_cast<const PerspectiveCamera0*>(&camera) == nullptr;
+    params.perspective.distortion = distorts ? kHighestPower : 0;
     params.perspective.radialK1 = radial[0];
     params.perspective.radialK2 = radial[1];
     params.perspective.radialK3 = radial[2];
@@ -52,6 +54,8 @@ void loadOptimizedParameters(const AbstractCamera& optimised, CameraModelFromDB&
     } else {
         throw std::invalid_argument("loadOptimizedParameters: unknown lens model");
     }
+    params.setImageSize(optimised.imageWidth(), optimised.imageHeight());
+    params.setFocalLengthPixel(optimised.focalLength());
     params.setPrincipalPointPixel({optimised.principalPoint().x(), optimised.principalPoint().y()});
 }
 
