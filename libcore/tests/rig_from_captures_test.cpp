@@ -80,11 +80,20 @@ TEST(RigFromCaptures, RefusesWhatMakesNoRig)
 {
     std::vector<Capture> mixed = flight({"Blue", "Green"});
     mixed[1] = flight({"Blue", "SWIR"})[1];
+    const std::vector<Capture> otherCase =
+        groupCaptures({image("f/a_n.jpg", "", 0, ""), image("f/a_N.jpg", "", 1, "")});
+    InputImage body = image("f/a_1.jpeg", "", 1, "");
+    ExifInfo exif = body.exif();
+    exif.serialNumber = "S2";
+    body.setExif(exif);
+    const std::vector<Capture> otherBody = groupCaptures({image("f/a_1.jpg", "", 0, ""), body});
     const std::pair<std::vector<Capture>, const char*> cases[] = {
         {{}, "no capture has two images or more"},
         {flight({"Blue"}), "no capture has two images or more"},
         {flight({"Blue", "Blue"}), "two cameras of capture 'A' cannot be told apart"},
         {mixed, "captures 'A' and 'B' are not of one rig"},
+        {otherCase, "two cameras of capture 'f/a' cannot be told apart"},
+        {otherBody, "two cameras of capture 'f/a' cannot be told apart"},
     };
     for (const auto& [captures, reason] : cases) {
         RigModel rig;

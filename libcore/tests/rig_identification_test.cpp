@@ -169,7 +169,11 @@ TEST(IdentifyRigs, AssignsEachImageOrSaysWhatDoesNotFit)
          {npos, npos},
          "no rig has a camera of this kind"},
     };
-    const CameraModelDb plain = databaseWith({threeBandRig()});
+    // A rig that is not valid is never met, whatever the store holds.
+    RigModel invalid = threeBandRig();
+    invalid.name = "Invalid";
+    invalid.refCameraIndex = 9;
+    const CameraModelDb plain = databaseWith({threeBandRig(), invalid});
     const CameraModelDb bodies = databaseWith({withSerial});
     for (const RigCase& test : cases) {
         SCOPED_TRACE(test.name);
@@ -181,6 +185,51 @@ TEST(IdentifyRigs, AssignsEachImageOrSaysWhatDoesNotFit)
         EXPECT_EQ(results[0].reasons.join('|'), test.reason);
         EXPECT_EQ(results[0].score >= 0, test.fits);
     }
+}
+
+TEST(IdentifyRigs, CamerasToldApartByOrderAreThoseOfTheImagesInOrder)
+{
+    RigModel inOrder = threeBandRig();
+    inOrder.cameraDetection = RigCameraDetection::ByCameraOrder;
+    const RigCase cases[] = {
+        {"any names", {image("a.tif"), image("b.tif"), image("c.tif")}, true, {0, 1, 2}, ""},
+        {"the last missing", {image("a.tif"), image("b.tif")}, true, {0, 1}, ""},
+        {"other order",
+         {image("a.tif", "NIR"), image("b.tif", "Red")},
+         false,
+         {npos, npos},
+         "Three: a.tif is image 1, but not of Red; b.tif is image 2, but not of NIR"},
+        {"too many",
+         {image("a.tif"), image("b.tif"), image("c.tif"), image("d.tif")},
+         false,
+         {0, 1, 2, npos},
+         "Three: d.tif is image 4, but the rig has 3 cameras"},
+        {"one image", {image("a.tif")}, false, {0}, "Three: no image of NIR, Blue"},
+    };
+    const CameraModelDb database = databaseWith({inOrder});
+    for (const RigCase& test : cases) {
+        SCOPED_TRACE(test.name);
+        const auto results = identifyRigs({{"id", test.images}}, database);
+        EXPECT_EQ(results[0].fits, test.fits);
+        EXPECT_EQ(results[0].rigName, "Three");
+        EXPECT_EQ(results[0].assignment, test.assignment);
+        EXPECT_EQ(results[0].reasons.join('|'), test.reason);
+    }
+}
+
+TEST(IdentifyRigs, ARepeatedDetectionStringIsTheReason)
+{
+    RigModel rig = threeBandRig();
+    rig.secondaries.pop_back();
+    const Capture twice{"id", {image("1_R.tif"), image("2_R.tif")}};
+    rig.attr(1) = rig.attr(0);
+    EXPECT_EQ(
+        identifyRigs({twice}, databaseWith({rig}))[0].reasons,
+        QStringList{"Three: two of its cameras have the same detection string"});
+    rig.attr(1)[RigKey::DetectionString].clear();
+    EXPECT_EQ(
+        identifyRigs({twice}, databaseWith({rig}))[0].reasons,
+        QStringList{"Three: two images have the same detection string"});
 }
 
 TEST(IdentifyRigs, TheNearestRigIsNamedFirst)

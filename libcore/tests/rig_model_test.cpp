@@ -103,6 +103,74 @@ TEST(RigModel, RelativesAreComparedWithTolerance)
     }
 }
 
+TEST(RigModel, AKnownPoseHasThisMatrix)
+{
+    // Rx(90) Rz(90): x comes to lie on z, y on -x, z on -y.
+    rig_relatives_t pose(90, 0, 90, {0, 0, 0}, 0, 0, 0, {0, 0, 0});
+    const Eigen::Matrix3d expected{{0, -1, 0}, {0, 0, -1}, {1, 0, 0}};
+    EXPECT_LT((pose.rotationMatrix().matrix() - expected).norm(), 1e-12);
+    RotationMatrix rotation;
+    rotation.set(expected);
+    pose.rotX = pose.rotZ = 0;
+    pose.setRotation(rotation);
+    EXPECT_NEAR(pose.rotX, 90, 1e-9);
+    EXPECT_NEAR(pose.rotY, 0, 1e-9);
+    EXPECT_NEAR(pose.rotZ, 90, 1e-9);
+}
+
+TEST(RigModel, IsEqualInAllFieldsButTheSource)
+{
+    using Change = void (*)(RigModel&);
+    const Change changes[] = {
+        [](RigModel& rig) { rig.name = "x"; },
+        [](RigModel& rig) { rig.processingMode = RigSecondaryProcType::Calibrate; },
+        [](RigModel& rig) { rig.adjustRefCamera = 0; },
+        [](RigModel& rig) { rig.cameraDetection = RigCameraDetection::ByCameraOrder; },
+        [](RigModel& rig) { rig.refCameraIndex = 2; },
+        [](RigModel& rig) { rig.refCamera.name = "x"; },
+        [](RigModel& rig) { rig.refCamera.filter().enabled = false; },
+        [](RigModel& rig) { rig.refCamera.filter().bands = band::makeRGBBands(); },
+        [](RigModel& rig) { rig.secondaries[1].attributes[RigKey::SerialNumber] = "x"; },
+        [](RigModel& rig) { rig.secondaries[1].relatives.transl.z() = 1; },
+        [](RigModel& rig) { rig.secondaries.pop_back(); },
+    };
+    const RigModel rig = testRig(3, 1);
+    for (const Change& change : changes) {
+        RigModel other = rig;
+        change(other);
+        EXPECT_FALSE(rig.equal(other)) << &change - changes;
+        EXPECT_NE(rig, other) << &change - changes;
+    }
+    RigModel other = rig;
+    other.source = CameraSource::UserDatabase;
+    EXPECT_TRUE(rig.equal(other));
+    EXPECT_NE(rig, other);
+}
+
+TEST(RigModel, AttributesAreExchangedAndCamerasEnabledByNumber)
+{
+    RigModel rig = testRig(3, 1);
+    rig.secondaries[1].relatives.rotX = 7;
+    ASSERT_TRUE(rig.exchangeAttrs(2, 1));
+    EXPECT_EQ(rig.refCamera.name, "cam2");
+    EXPECT_EQ(rig.attr(2).name, "cam1");
+    EXPECT_EQ(rig.secondaries[1].relatives.rotX, 7);
+
+    rig_filter_t filter(3, "", kByString);
+    filter.cameras[1].enabled = false;
+    disable(rig, 0);
+    ASSERT_TRUE(rig.enableCameras(filter));
+    EXPECT_TRUE(rig.cameraEnabled(0));
+    EXPECT_FALSE(rig.cameraEnabled(1));
+    EXPECT_TRUE(rig.cameraEnabled(2));
+
+    EXPECT_FALSE(rig.serialNumberAvail());
+    rig.attr(1)[RigKey::SerialNumber] = "s";
+    EXPECT_FALSE(rig.serialNumberAvail()) << "of a disabled camera";
+    rig.attr(2)[RigKey::SerialNumber] = "s";
+    EXPECT_TRUE(rig.serialNumberAvail());
+}
+
 TEST(RigModel, ChangingTheReferenceCameraKeepsTheGeometryAndIsUndone)
 {
     std::mt19937 rng(testSeed());

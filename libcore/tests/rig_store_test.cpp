@@ -136,6 +136,7 @@ TEST(RigStore, TheBestRigIsTheNamedOneUnlessSerialNumbersSayOtherwise)
          "Duo 2", internal},
         {"nothing that is known differs", filterOf("", {"a", "x"}), nullptr, internal},
         {"something must be known", filterOf("", {"", ""}), nullptr, internal},
+        {"a name is", {0, "Trio", RigCameraDetection::ByDetectionString}, "Trio", internal},
     };
     for (const BestCase& row : table) {
         SCOPED_TRACE(row.fact);
@@ -157,6 +158,20 @@ TEST(RigStore, NamesAreListedBestFirstAndOnce)
     Names names{{"old", 1}};
     db.rigNamesWithScore(filterOf("", {"a#1", "b"}), names);
     EXPECT_EQ(names, (Names{{"C", 6}, {"A", 2}, {"B", 2}}));
+}
+
+TEST(RigStore, AnOverriddenRigIsNotMatched)
+{
+    const CameraModelDb db = database(
+        {rigOf("A", {"a", "b"}), rigOf("B", {"b", "c"})},
+        {rigOf("A", {"a", "b"}), rigOf("B", {"x", "y"})});
+    RigModel rig;
+    ASSERT_TRUE(db.findBestRigModel(filterOf("", {"a", "b"}), rig));
+    EXPECT_EQ(rig.source, CameraSource::EditedDatabase);
+    EXPECT_FALSE(db.findBestRigModel(filterOf("", {"b", "c"}), rig));
+    Names names;
+    db.rigNamesWithScore(filterOf("", {"b", "c"}), names);
+    EXPECT_EQ(names, Names());
 }
 
 TEST(RigStore, SettingARigOverridesAndDropsTheOverrideWhenEqual)
@@ -183,9 +198,11 @@ TEST(RigStore, SettingARigOverridesAndDropsTheOverrideWhenEqual)
     EXPECT_TRUE(db.removeRigModel("B", false));
     EXPECT_FALSE(db.removeRigModel("B", false));
 
+    db = database({}, {rigOf("B", {"a", "b"})}); // as loaded, the source is Custom
+    EXPECT_FALSE(db.setRigModel(rigOf("B", {"a", "b"}), false));
     db.setUserDBReadOnly(true);
     EXPECT_FALSE(db.setRigModel(edited, false));
-    EXPECT_TRUE(db.emptyUserDB());
+    EXPECT_FALSE(db.containsRigModel("A", false));
 }
 
 } // namespace

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cameraInfo/rig_source.h"
+#include "cameraInfo/rigs_in_force.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
-#include "lumo/core/cameraInfo/rig_db_iterator.h"
 #include "lumo/core/cameraInfo/rig_db_match.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 namespace lumo {
@@ -56,11 +55,10 @@ struct Candidate
     RigDBMatch match{-1, {}, false};
 };
 
-/// The best of all rigs of the store and `best`; of equal ones the last.
+/// The best of the store's rigs in force and `best`; of equal ones the last.
 void scan(const CameraModelDb& store, const rig_filter_t& filter, Candidate& best)
 {
-    for (RigDBIterator rigs(store); rigs.hasNext();) {
-        const auto [rig, source] = rigs.next();
+    for (const auto& [rig, source] : rigsInForce(store)) {
         RigDBMatch match = matchRigDB(rig, filter, false);
         if (match.matched() && best.match <= match) {
             best = {{&rig, source}, std::move(match)};
@@ -118,8 +116,7 @@ void CameraModelDb::rigNamesWithScore(
     const rig_filter_t& filter, std::vector<std::pair<QString, int>>& names) const
 {
     std::vector<std::pair<QString, RigDBMatch>> fitting;
-    for (RigDBIterator rigs(*this); rigs.hasNext();) {
-        const RigModel& rig = rigs.next().rig;
+    for (const auto& [rig, source] : rigsInForce(*this)) {
         RigDBMatch match = matchRigDB(rig, filter, false);
         if (match.matched()) {
             fitting.emplace_back(rig.name, std::move(match));
@@ -131,11 +128,8 @@ void CameraModelDb::rigNamesWithScore(
         return b.second < a.second;
     });
     names.clear();
-    std::set<QString> seen;
     for (const auto& [name, match] : fitting) {
-        if (seen.insert(name).second) {
-            names.emplace_back(name, match.score);
-        }
+        names.emplace_back(name, match.score);
     }
 }
 
@@ -159,12 +153,12 @@ bool CameraModelDb::setRigModel(const RigModel& rig, bool save)
             return false;
         }
     } else {
-        RigModel stored = rig;
-        stored.source = userRigSource(internal != nullptr);
         const RigModel* held = find(m_user.rigs, rig.name);
-        if (held != nullptr && *held == stored) {
+        if (held != nullptr && held->equal(rig)) {
             return false;
         }
+        RigModel stored = rig;
+        stored.source = userRigSource(internal != nullptr);
         m_user.rigs.insert_or_assign(rig.name, std::move(stored));
     }
     return !save || saveUserDb();

@@ -11,25 +11,6 @@
 namespace lumo::rigdb {
 namespace {
 
-struct Signatures
-{
-    std::vector<Signature> filter;
-    std::vector<Signature> rig;
-};
-
-Signatures signaturesOf(const RigModel& rig, const rig_filter_t& filter)
-{
-    SignatureMaker makeSignature;
-    Signatures signatures;
-    for (const rig_camera_filter_t& camera : filter.cameras) {
-        signatures.filter.push_back(makeSignature(camera));
-    }
-    for (std::size_t i = 0; i < rig.cameraCount(); ++i) {
-        signatures.rig.push_back(makeSignature(rig.attr(i)));
-    }
-    return signatures;
-}
-
 RigDBMatch noMatch()
 {
     return {-1, {}, false};

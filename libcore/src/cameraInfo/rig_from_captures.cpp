@@ -2,6 +2,7 @@
 #include "lumo/core/cameraInfo/rig_from_captures.h"
 
 #include "cameraInfo/image_name.h"
+#include "cameraInfo/rig_signature.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/rig_db_match.h"
 #include "lumo/core/cameraInfo/rig_identification.h"
@@ -60,18 +61,18 @@ RigModel makeRig(const Capture& capture, const rig_filter_t& filter)
     return rig;
 }
 
-/// Whether any two cameras are the same to a matcher.
+/// Whether the matcher cannot tell two cameras apart: they have the same
+/// properties, or the same detection string, which it refuses whatever else differs.
 bool ambiguous(const rig_filter_t& filter)
 {
-    for (std::size_t i = 0; i < filter.cameras.size(); ++i) {
-        for (std::size_t j = 0; j < i; ++j) {
-            if (filter.cameras[i].keys == filter.cameras[j].keys &&
-                filter.cameras[i].bands.sameNames(filter.cameras[j].bands)) {
-                return true;
-            }
-        }
+    rigdb::SignatureMaker makeSignature;
+    std::vector<rigdb::Signature> cameras;
+    for (const rig_camera_filter_t& camera : filter.cameras) {
+        cameras.push_back(makeSignature(camera));
     }
-    return false;
+    const bool repeated = rigdb::repeatedDetectionString(cameras);
+    std::sort(cameras.begin(), cameras.end());
+    return repeated || std::adjacent_find(cameras.begin(), cameras.end()) != cameras.end();
 }
 
 } // namespace

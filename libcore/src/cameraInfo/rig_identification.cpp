@@ -2,8 +2,8 @@
 #include "lumo/core/cameraInfo/rig_identification.h"
 
 #include "cameraInfo/rig_mismatch.h"
+#include "cameraInfo/rigs_in_force.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
-#include "lumo/core/cameraInfo/rig_db_iterator.h"
 #include "lumo/core/cameraInfo/rig_db_match.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/text.h"
@@ -18,11 +18,14 @@ namespace {
 /// The rigs of a store, which own them.
 using Rigs = std::vector<const RigModel*>;
 
+/// One that is not valid, which no file gives, is never met.
 Rigs rigsOf(const CameraModelDb& database)
 {
     Rigs rigs;
-    for (RigDBIterator it(database); it.hasNext();) {
-        rigs.push_back(&it.next().rig);
+    for (const RigDBIterator::Item& item : rigsInForce(database)) {
+        if (item.rig.valid()) {
+            rigs.push_back(&item.rig);
+        }
     }
     return rigs;
 }
@@ -73,14 +76,25 @@ QStringList cameraNames(const RigModel& rig)
     return names;
 }
 
+/// What a capture is for rigs whose cameras are told apart by their order, which
+/// list no detection strings.
+rig_filter_t inOrder(rig_filter_t filter)
+{
+    filter.detection = RigCameraDetection::ByCameraOrder;
+    filter.cleanKeysInCameraFilters(RigKey::DetectionString);
+    return filter;
+}
+
 /// The nearest rig, and what keeps the nearest ones from fitting.
 RigIdentification explain(
     const CameraModelDb& database, const rig_filter_t& filter, const QStringList& files)
 {
     constexpr std::size_t kMost = 3;
+    const rig_filter_t ordered = inOrder(filter);
     std::vector<std::pair<const RigModel*, RigMismatch>> mismatches;
     for (const RigModel* rig : rigsOf(database)) {
-        RigMismatch mismatch = explainMismatch(*rig, filter, files);
+        const bool byOrder = rig->cameraDetection != RigCameraDetection::ByDetectionString;
+        RigMismatch mismatch = explainMismatch(*rig, byOrder ? ordered : filter, files);
         if (mismatch.fitting > 0) {
             mismatches.emplace_back(rig, std::move(mismatch));
         }
@@ -106,15 +120,37 @@ RigIdentification explain(
     return result;
 }
 
+/// The best rig for a capture: of those told apart by detection strings, or if it
+/// has the higher score, of those told apart by order.
+/// \param[out] rig  untouched if none fits
+rigdb::RigDBMatch findBest(const CameraModelDb& database, const rig_filter_t& filter, RigModel& rig)
+{
+    rigdb::RigDBMatch best{-1, {}, false};
+    for (const rig_filter_t& each : {filter, inOrder(filter)}) {
+        RigModel found;
+        if (database.findBestRigModel(each, found)) {
+            rigdb::RigDBMatch match = rigdb::matchRigDB(found, each, false);
+            if (match.score > best.score) {
+                best = std::move(match);
+                rig = std::move(found);
+            }
+        }
+    }
+    return best;
+}
+
 /// The rig that fits the filter of a capture.
 RigIdentification identifyRig(
     const Capture& capture, const rig_filter_t& filter, const CameraModelDb& database)
 {
     RigModel rig;
-    if (capture.images.size() < 2 || !database.findBestRigModel(filter, rig)) {
+    rigdb::RigDBMatch match{-1, {}, false};
+    if (capture.images.size() > 1) {
+        match = findBest(database, filter, rig);
+    }
+    if (!match.matched()) {
         return explain(database, filter, fileNames(capture));
     }
-    const rigdb::RigDBMatch match = rigdb::matchRigDB(rig, filter, false);
     RigIdentification result;
     result.fits = true;
     result.rigName = rig.name;

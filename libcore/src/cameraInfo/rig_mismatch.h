@@ -12,16 +12,20 @@
 
 namespace lumo {
 
-/// How far a rig is from fitting images.
+/// How far a rig is from fitting images that it does not fit.
 struct RigMismatch
 {
-    std::size_t fitting = 0; ///< cameras of the rig that have an image of their own
-    std::size_t missing = 0; ///< cameras of the rig without one
+    /// Cameras of the rig that have an image of their own; of a rig told apart by
+    /// order, images that are of some camera of it.
+    std::size_t fitting = 0;
+    std::size_t missing = 0; ///< enabled cameras of the rig without one
     /// The rig camera that each image would be from, or npos.
     std::vector<std::size_t> assignment;
-    QString text; ///< "<rig>: <what does not fit>; ..."
+    QString text; ///< "<rig>: <what does not fit>; ...", at least one thing
 };
 
+/// \param rig  a valid one that rigdb::matchRigDB has not found to fit
+/// \param filter  of the rig's detection
 /// \param fileNames  one for each camera of the filter
 [[nodiscard]] RigMismatch explainMismatch(
     const RigModel& rig, const rig_filter_t& filter, const QStringList& fileNames);

@@ -26,7 +26,7 @@ Signature SignatureMaker::operator()(const rig_camera_filter_t& camera)
         }
     }
     if (!camera.bands.empty()) {
-        signature.back() = numberOf(camera.bands);
+        signature[kBands] = numberOf(camera.bands);
     }
     return signature;
 }
@@ -41,6 +41,19 @@ int SignatureMaker::numberOf(const bands_t& bands)
         m_bands.push_back(bands);
     }
     return number;
+}
+
+Signatures signaturesOf(const RigModel& rig, const rig_filter_t& filter)
+{
+    SignatureMaker makeSignature;
+    Signatures signatures;
+    for (const rig_camera_filter_t& camera : filter.cameras) {
+        signatures.filter.push_back(makeSignature(camera));
+    }
+    for (std::size_t i = 0; i < rig.cameraCount(); ++i) {
+        signatures.rig.push_back(makeSignature(rig.attr(i)));
+    }
+    return signatures;
 }
 
 bool repeatedDetectionString(const std::vector<Signature>& cameras)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "lumo/core/cameraInfo/rig_camera.h"
+#include "lumo/core/cameraInfo/rig_filter.h"
+#include "lumo/core/cameraInfo/rig_model.h"
 
 #include <array>
 #include <map>
@@ -13,6 +14,7 @@ namespace lumo::rigdb {
 /// the keys by RigKey, then the bands; kAbsent for what is not known.
 using Signature = std::array<int, kRigKeys.size() + 1>;
 inline constexpr int kAbsent = -1;
+inline constexpr std::size_t kBands = kRigKeys.size(); ///< their place in a signature
 
 /// Numbers the property values of the cameras of one matching. Strings match
 /// ignoring case, bands by their names.
@@ -29,6 +31,16 @@ private:
     std::vector<bands_t> m_bands;
 };
 
+/// Of the cameras of one matching, in their order.
+struct Signatures
+{
+    std::vector<Signature> filter;
+    std::vector<Signature> rig;
+};
+
+/// \throws std::out_of_range if the rig's refCameraIndex is not one of its cameras
+[[nodiscard]] Signatures signaturesOf(const RigModel& rig, const rig_filter_t& filter);
+
 /// Whether two cameras have the same detection string.
 [[nodiscard]] bool repeatedDetectionString(const std::vector<Signature>& cameras);
 
@@ -36,10 +48,7 @@ private:
 struct PairScore
 {
     static constexpr int kImpossible = -1;
-    /// Worth of a pair that agrees in everything.
-    static constexpr int kMost = 7;
-
-    int score = kImpossible; ///< 0..kMost unless impossible
+    int score = kImpossible;
     bool serialMatched = false;
 };
 

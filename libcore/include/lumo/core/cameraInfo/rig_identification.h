@@ -17,7 +17,8 @@ namespace lumo {
 
 class CameraModelDb;
 
-/// What is known of each image's camera, as a filter for rigs.
+/// What is known of each image's camera, as a filter for rigs whose cameras are
+/// told apart by detection strings.
 ///
 /// EXIF string: the camera model's name in the database, else the image's
 /// identifier. Bands: those that the metadata name. Detection string: the part
@@ -39,12 +40,16 @@ struct RigIdentification
     std::vector<std::size_t> assignment;
     int score = -1; ///< of rigdb::matchRigDB; -1 if none fits
     bool serialMatched = false;
-    /// Why none fits: a sentence for each of the nearest rigs, nearest first.
+    /// Why none fits: "<rig>: <what does not fit>; ..." for each of the nearest
+    /// rigs, nearest first.
     QStringList reasons;
 };
 
-/// The rig of each capture, in order. Captures that are alike, as those of one
-/// flight are, are matched once.
+/// The rig of each capture, in order: the best of those whose cameras are told
+/// apart by detection strings or, if it has the higher score, of those told apart
+/// by their order, which is that of the capture's images. Rigs that are not valid
+/// do not count. Captures that are alike, as those of one flight are, are matched
+/// once.
 [[nodiscard]] LUMO_CORE_EXPORT std::vector<RigIdentification> identifyRigs(
     const std::vector<Capture>& captures, const CameraModelDb& database);
 

@@ -167,7 +167,8 @@ public:
     /// rig's cameras are told apart by them, bands unless asked for. Only the
     /// number of cameras is known of a rig with a single one.
     [[nodiscard]] rig_filter_t makeRigFilter(bool withBands) const;
-    /// As above with one key only.
+    /// As above with one key only: this one is never left out, so that asking for
+    /// detection strings gives those of any rig.
     [[nodiscard]] rig_filter_t makeRigFilter(RigKey key) const;
 
     /// A rig of the filter's cameras: no camera names, all at the pose of the
