@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/cameradata/camera_params.h"
+#include "lumo/cameradata/written_digits.h"
 
 #include <algorithm>
 
@@ -13,26 +14,22 @@ bool equalWritten(double a, double b, int digits)
     return a == b || QByteArray::number(a, 'g', digits) == QByteArray::number(b, 'g', digits);
 }
 
-// Significant digits in files.
-constexpr int kSizeDigits = 6;
-constexpr int kFocalDigits = 7;
-constexpr int kLensDigits = 9;
-constexpr int kValueDigits = 10;
-constexpr int kVignettingDigits = 6;
-
 bool equalLens(const PerspectiveParams& a, const PerspectiveParams& b)
 {
-    return equalWritten(a.focalLengthMm, b.focalLengthMm, kFocalDigits) &&
-           a.distortion == b.distortion && equalWritten(a.radialK1, b.radialK1, kLensDigits) &&
-           equalWritten(a.radialK2, b.radialK2, kLensDigits) &&
-           equalWritten(a.radialK3, b.radialK3, kLensDigits) &&
-           equalWritten(a.tangentialT1, b.tangentialT1, kLensDigits) &&
-           equalWritten(a.tangentialT2, b.tangentialT2, kLensDigits);
+    return equalWritten(a.focalLengthMm, b.focalLengthMm, writtendigits::kFocalLength) &&
+           a.distortion == b.distortion &&
+           equalWritten(a.radialK1, b.radialK1, writtendigits::kLens) &&
+           equalWritten(a.radialK2, b.radialK2, writtendigits::kLens) &&
+           equalWritten(a.radialK3, b.radialK3, writtendigits::kLens) &&
+           equalWritten(a.tangentialT1, b.tangentialT1, writtendigits::kLens) &&
+           equalWritten(a.tangentialT2, b.tangentialT2, writtendigits::kLens);
 }
 
 bool equalLens(const FisheyeParams& a, const FisheyeParams& b)
 {
-    const auto equalTerm = [](double x, double y) { return equalWritten(x, y, kLensDigits); };
+    const auto equalTerm = [](double x, double y) {
+        return equalWritten(x, y, writtendigits::kLens);
+    };
     return a.npoly == b.npoly && a.p0zero == b.p0zero && a.symmetricAffine == b.symmetricAffine &&
            std::equal(a.poly.begin(), a.poly.end(), b.poly.begin(), equalTerm) &&
            equalTerm(a.c, b.c) && equalTerm(a.d, b.d) && equalTerm(a.e, b.e) && equalTerm(a.f, b.f);
@@ -58,8 +55,8 @@ bool equalRange(
     const std::pair<const DataType, PixelValueRange>& a,
     const std::pair<const DataType, PixelValueRange>& b)
 {
-    return a.first == b.first && equalWritten(a.second.min, b.second.min, kValueDigits) &&
-           equalWritten(a.second.max, b.second.max, kValueDigits);
+    return a.first == b.first && equalWritten(a.second.min, b.second.min, writtendigits::kValue) &&
+           equalWritten(a.second.max, b.second.max, writtendigits::kValue);
 }
 
 bool equalVignetting(
@@ -69,7 +66,7 @@ bool equalVignetting(
     const Eigen::MatrixXd& n = b.second.coefficients;
     return a.first == b.first && m.rows() == n.rows() && m.cols() == n.cols() &&
            std::equal(m.data(), m.data() + m.size(), n.data(), [](double x, double y) {
-               return equalWritten(x, y, kVignettingDigits);
+               return equalWritten(x, y, writtendigits::kVignetting);
            });
 }
 
@@ -79,12 +76,12 @@ bool CameraParams::equal(const CameraParams& other, bool withVignetting) const
 {
     return name == other.name && imageWidth == other.imageWidth &&
            imageHeight == other.imageHeight &&
-           equalWritten(pixelSize, other.pixelSize, kSizeDigits) &&
-           equalWritten(principalPointXMm, other.principalPointXMm, kSizeDigits) &&
-           equalWritten(principalPointYMm, other.principalPointYMm, kSizeDigits) &&
+           equalWritten(pixelSize, other.pixelSize, writtendigits::kSize) &&
+           equalWritten(principalPointXMm, other.principalPointXMm, writtendigits::kSize) &&
+           equalWritten(principalPointYMm, other.principalPointYMm, writtendigits::kSize) &&
            equalLensInUse(*this, other) && shutterModel == other.shutterModel &&
-           equalWritten(lineReadoutTime, other.lineReadoutTime, kValueDigits) &&
-           equalWritten(velocityNumber, other.velocityNumber, kValueDigits) &&
+           equalWritten(lineReadoutTime, other.lineReadoutTime, writtendigits::kValue) &&
+           equalWritten(velocityNumber, other.velocityNumber, writtendigits::kValue) &&
            std::equal(
                pixelValues.begin(), pixelValues.end(), other.pixelValues.begin(),
                other.pixelValues.end(), equalRange) &&

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/specificSensor/vignetting_text.h"
 
+#include "lumo/cameradata/written_digits.h"
 #include "lumo/foundation/text.h"
 
 #include <QStringList>
@@ -13,11 +14,10 @@ namespace lumo {
 
 QString vignetting2string(const VignettingData& vignetting)
 {
-    constexpr int kDigits = 6;
     QStringList parts;
     const Eigen::MatrixXd& coefficients = vignetting.coefficients;
     for (Eigen::Index i = 0; i < coefficients.size(); ++i) {
-        parts.append(QString::number(coefficients.data()[i], 'g', kDigits));
+        parts.append(QString::number(coefficients.data()[i], 'g', writtendigits::kVignetting));
     }
     return parts.join(QLatin1Char(','));
 }

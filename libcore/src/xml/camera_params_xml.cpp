@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/xml/camera_params_xml.h"
 
+#include "lumo/cameradata/written_digits.h"
 #include "lumo/cameradata/xml_values.h"
 #include "xml/camera_tables_xml.h"
 #include "xml/lens_xml.h"
@@ -13,8 +14,6 @@
 namespace lumo::io {
 namespace {
 
-constexpr int kSizeDigits = 6;
-constexpr int kTimeDigits = 10;
 constexpr int kLeverArmDigits = 10;
 
 struct SizeTag
@@ -42,7 +41,7 @@ void writeShutter(QXmlStreamWriter& writer, const CameraParams& params)
     }
     writer.writeStartElement(QStringLiteral("shutterModel"));
     if (hasTime) {
-        xml::writeValue(writer, "lineReadoutTime", params.lineReadoutTime, kTimeDigits);
+        xml::writeValue(writer, "lineReadoutTime", params.lineReadoutTime, writtendigits::kValue);
     }
     const bool rolling = params.shutterModel >= 1 && params.shutterModel <= 3;
     xml::writeText(writer, xml::integralText(rolling ? kRollingCode : kGlobalCode));
@@ -84,7 +83,7 @@ void writeCameraParams(QXmlStreamWriter& writer, const CameraParams& params, Xml
     xml::writeTag(writer, "imageWidth", params.imageWidth);
     xml::writeTag(writer, "imageHeight", params.imageHeight);
     for (const SizeTag& tag : kSizeTags) {
-        xml::writeTag(writer, tag.name, params.*tag.value, kSizeDigits);
+        xml::writeTag(writer, tag.name, params.*tag.value, writtendigits::kSize);
     }
     writeLens(writer, params, type);
     writePixelValues(writer, params.pixelValues);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "xml/camera_tables_xml.h"
 
+#include "lumo/cameradata/written_digits.h"
 #include "lumo/cameradata/xml_values.h"
 #include "lumo/core/specificSensor/vignetting_text.h"
 
@@ -14,7 +15,7 @@
 namespace lumo::io {
 namespace {
 
-constexpr int kDigits = 10;
+constexpr int kFNumberDigits = 10;
 constexpr double kKeyPerFNumber = 100.0;
 
 void warnOfBadCoefficient(const QDomElement& element, const QString& coefficients)
@@ -65,8 +66,8 @@ void writePixelValues(
         }
         writer.writeStartElement(QStringLiteral("pixelValue"));
         xml::writeValue(writer, "pixelType", text::toString(type));
-        xml::writeValue(writer, "min", range.min, kDigits);
-        xml::writeValue(writer, "max", range.max, kDigits);
+        xml::writeValue(writer, "min", range.min, writtendigits::kValue);
+        xml::writeValue(writer, "max", range.max, writtendigits::kValue);
         writer.writeEndElement();
     }
 }
@@ -92,7 +93,7 @@ void writeVignetting(QXmlStreamWriter& writer, const std::map<int, VignettingDat
 {
     for (const auto& [key, model] : models) {
         writer.writeStartElement(QStringLiteral("vignettingPoly"));
-        xml::writeValue(writer, "fNumber", key / kKeyPerFNumber, kDigits);
+        xml::writeValue(writer, "fNumber", key / kKeyPerFNumber, kFNumberDigits);
         xml::writeValue(writer, "sizeY", static_cast<int>(model.coefficients.rows()));
         xml::writeValue(writer, "value", vignetting2string(model));
         writer.writeEndElement();

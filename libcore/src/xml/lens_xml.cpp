@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "xml/lens_xml.h"
 
+#include "lumo/cameradata/written_digits.h"
 #include "lumo/cameradata/xml_values.h"
 
 #include <QDomElement>
@@ -36,10 +37,11 @@ constexpr const char* kPolyTags[] = {"poly0", "poly1", "poly2", "poly3", "poly4"
 
 void writePerspective(QXmlStreamWriter& writer, const PerspectiveParams& lens, bool full)
 {
-    xml::writeTag(writer, "focalLengthmm", lens.focalLengthMm, full ? 7 : 4);
+    xml::writeTag(
+        writer, "focalLengthmm", lens.focalLengthMm, full ? writtendigits::kFocalLength : 4);
     xml::writeTag(writer, "distortion", lens.distortion);
     for (const DistortionTag& tag : kDistortionTags) {
-        xml::writeTag(writer, tag.name, lens.*tag.value, full ? 9 : 6);
+        xml::writeTag(writer, tag.name, lens.*tag.value, full ? writtendigits::kLens : 6);
     }
 }
 
@@ -56,11 +58,11 @@ void writeFisheye(QXmlStreamWriter& writer, const FisheyeParams& lens, bool full
 {
     xml::writeTag(writer, "npoly", lens.npoly);
     for (std::size_t i = 0; i < lens.poly.size(); ++i) {
-        xml::writeTag(writer, kPolyTags[i], lens.poly[i], full ? 9 : 6);
+        xml::writeTag(writer, kPolyTags[i], lens.poly[i], full ? writtendigits::kLens : 6);
     }
     xml::writeTag(writer, "p0zero", lens.p0zero);
     xml::writeTag(writer, "symmetricAffine", lens.symmetricAffine);
-    const int affineDigits = full ? 9 : 1;
+    const int affineDigits = full ? writtendigits::kLens : 1;
     xml::writeTag(writer, "c", lens.c, affineDigits);
     xml::writeTag(writer, "d", lens.symmetricAffine ? 0.0 : lens.d, affineDigits);
     xml::writeTag(writer, "e", lens.symmetricAffine ? 0.0 : lens.e, affineDigits);

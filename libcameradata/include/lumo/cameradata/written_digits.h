@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// The significant digits with which files hold camera parameters, and with which
+/// CameraParams::equal compares them therefore.
+namespace lumo::writtendigits {
+
+inline constexpr int kSize = 6; ///< pixel size and principal point
+inline constexpr int kFocalLength = 7;
+inline constexpr int kLens = 9;   ///< distortion, fisheye polynomial and affine map
+inline constexpr int kValue = 10; ///< read-out time, velocity number, pixel values
+inline constexpr int kVignetting = 6;
+
+} // namespace lumo::writtendigits
