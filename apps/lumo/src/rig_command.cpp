@@ -251,8 +251,9 @@ ExitCode saveRig(
     if (!loadForEditing(database)) {
         return SomethingFailed;
     }
-    RigModel rig;
-    if (!overwrite && database.findRigModel(name, rig, false)) {
+    RigModel held;
+    const bool known = database.findRigModel(name, held, false);
+    if (known && !overwrite) {
         return failed(name, QStringLiteral("is known already: see --overwrite"), options);
     }
     ExitCode exitCode = AllDone;
@@ -260,11 +261,13 @@ ExitCode saveRig(
     if (exitCode != AllDone) { // a rig of what could be read might lack a camera
         return failed(name, QStringLiteral("not saved: not all images were read"), options);
     }
+    RigModel rig;
     QString error;
     if (!makeRigFromCaptures(captures, database, name, rig, error)) {
         return failed(name, error, options);
     }
-    if (!database.setRigModel(rig, true)) {
+    const bool asItWas = known && held.equal(rig);
+    if (!asItWas && !database.setRigModel(rig, true)) {
         return failed(name, QStringLiteral("could not be saved"), options);
     }
     if (options.json) {
