@@ -19,7 +19,7 @@ namespace lumo::program::camdb {
 /// \param overwrite  it replaces the camera that is known
 [[nodiscard]] ExitCode add(const QString& image, bool overwrite, const CommonOptions& options);
 
-/// Removes a camera or rig of the user's.
+/// Removes a camera, rig or mapping of the user's.
 [[nodiscard]] ExitCode remove(
     const QString& name, const QString& serialNumber, const CommonOptions& options);
 

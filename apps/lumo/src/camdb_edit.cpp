@@ -9,6 +9,26 @@
 #include <QJsonObject>
 
 namespace lumo::program::camdb {
+namespace {
+
+QString sizesText(const cameradb::CameraDBData& data)
+{
+    return QStringLiteral("cameras: %1, rigs: %2, mappings: %3")
+        .arg(data.cameras.size())
+        .arg(data.rigs.size())
+        .arg(data.mappings.size());
+}
+
+QJsonObject sizesJson(const cameradb::CameraDBData& data)
+{
+    return {
+        {"cameras", static_cast<qint64>(data.cameras.size())},
+        {"rigs", static_cast<qint64>(data.rigs.size())},
+        {"mappings", static_cast<qint64>(data.mappings.size())}};
+}
+
+} // namespace
+
 ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
 {
     CameraModelDb database = openDatabase(options);
@@ -19,7 +39,7 @@ ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
     CameraData camera;
     QString error;
     if (!exif::readExif(image, exif, error)) {
-        return failed(image, error);
+        return failed(image, error, options);
     }
     // The model serves every body of this camera, and in a rig every band: a
     // calibration in the image is that of one lens.
@@ -29,7 +49,7 @@ ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
         sayRemark(image, QStringLiteral("its own calibration is left out: it is one lens's"));
     }
     if (!exif::getCamera(exif, camera, nullptr, error)) {
-        return failed(image, error);
+        return failed(image, error, options);
     }
     const QString& name = camera.params.name;
     CameraModelFromDB held;
@@ -38,15 +58,17 @@ ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
     // What is known may have been measured; of an image only its bands are news.
     if (known && (overwrite ? held.equal(model) : !held.addBands(camera.bands))) {
         return failed(
-            image, QStringLiteral("'%1' is known already (%2)%3")
-                       .arg(
-                           name, text::toString(held.params.source),
-                           overwrite ? QString() : QStringLiteral(": see --overwrite")));
+            image,
+            QStringLiteral("'%1' is known already (%2)%3")
+                .arg(
+                    name, text::toString(held.params.source),
+                    overwrite ? QString() : QStringLiteral(": see --overwrite")),
+            options);
     }
     const bool saved =
         overwrite ? database.setCameraModel(model, true) : database.addCamera(camera, true);
     if (!saved) {
-        return failed(image, QStringLiteral("'%1' could not be saved").arg(name));
+        return failed(image, QStringLiteral("'%1' could not be saved").arg(name), options);
     }
     if (options.json) {
         printJsonLine({{"file", image}, {"camera", name}});
@@ -65,14 +87,21 @@ ExitCode remove(const QString& name, const QString& serialNumber, const CommonOp
     if (database.containsCameraModel(name, serialNumber, false, true)) {
         return database.removeCameraModel(name, serialNumber, true)
                    ? AllDone
-                   : failed(name, QStringLiteral("could not be saved"));
+                   : failed(name, QStringLiteral("could not be saved"), options);
     }
     if (serialNumber.isEmpty() && database.userData().rigs.contains(name)) {
         return database.removeRigModel(name, true)
                    ? AllDone
-                   : failed(name, QStringLiteral("could not be saved"));
+                   : failed(name, QStringLiteral("could not be saved"), options);
     }
-    return failed(name, QStringLiteral("no camera or rig of your own has this name"));
+    if (serialNumber.isEmpty() && database.userData().mappings.contains(name)) {
+        // That an identifier stands for itself needs no mapping.
+        return database.setMapping(name, name, true)
+                   ? AllDone
+                   : failed(name, QStringLiteral("could not be saved"), options);
+    }
+    return failed(
+        name, QStringLiteral("no camera, rig or mapping of your own has this name"), options);
 }
 
 ExitCode map(const QString& exifId, const QString& name, const CommonOptions& options)
@@ -83,10 +112,10 @@ ExitCode map(const QString& exifId, const QString& name, const CommonOptions& op
     }
     CameraModelFromDB model;
     if (!database.findCameraModel(name, model, false)) {
-        return failed(name, QStringLiteral("no camera of this name"));
+        return failed(name, QStringLiteral("no camera of this name"), options);
     }
     if (!database.setMapping(exifId, name, true)) {
-        return failed(exifId, QStringLiteral("cannot be mapped, or not be saved"));
+        return failed(exifId, QStringLiteral("cannot be mapped, or not be saved"), options);
     }
     return AllDone;
 }
@@ -97,12 +126,21 @@ ExitCode import(const QString& file, bool overwrite, const CommonOptions& option
     if (!loadForEditing(database)) {
         return SomethingFailed;
     }
+    const QString before = sizesText(database.userData());
     QString error;
     if (!importUserDatabase(database, file, overwrite, error)) {
-        return failed(file, error);
+        return failed(file, error, options);
     }
     if (!CameraDbIo(database).saveUserXML()) {
-        return failed(file, QStringLiteral("what was read could not be saved"));
+        return failed(file, QStringLiteral("what was read could not be saved"), options);
+    }
+    if (options.json) {
+        QJsonObject record = sizesJson(database.userData());
+        record["file"] = file;
+        printJsonLine(record);
+    } else {
+        printText(QStringLiteral("Your database: %1 (before: %2)\n")
+                      .arg(sizesText(database.userData()), before));
     }
     return AllDone;
 }

@@ -45,12 +45,12 @@ ExitCode exportTo(const QString& file, bool internal, const CommonOptions& optio
     CameraModelDb database = openDatabase(options);
     const bool loaded = loadDatabase(database);
     if (!internal && !loaded) { // nothing may replace a good copy of it
-        return failed(file, QStringLiteral("not written: your own database did not load"));
+        return failed(file, QStringLiteral("not written: your own database did not load"), options);
     }
     if (!internal && !isTextDb(file)) {
         return CameraDbIo(database).exportUserXML(file)
                    ? AllDone
-                   : failed(file, QStringLiteral("could not be exported"));
+                   : failed(file, QStringLiteral("could not be exported"), options);
     }
     const cameradb::CameraDBData& data = internal ? database.internalData() : database.userData();
     QString text;
@@ -58,10 +58,10 @@ ExitCode exportTo(const QString& file, bool internal, const CommonOptions& optio
     if (isTextDb(file)) {
         text = cameradb::writeTextDB(data);
     } else if (!cameradb::documentText(database.settings().headerPairs, data, text, error)) {
-        return failed(file, error);
+        return failed(file, error, options);
     }
     if (!file::replaceAtomically(file, text.toUtf8(), error)) {
-        return failed(file, error);
+        return failed(file, error, options);
     }
     return loaded ? AllDone : SomethingFailed;
 }
@@ -81,13 +81,14 @@ ExitCode validate(const QString& file, const CommonOptions& options)
     return faults.isEmpty() ? AllDone : SomethingFailed;
 }
 
-ExitCode convert(const QString& input, const QString& output, const CommonOptions&)
+ExitCode convert(const QString& input, const QString& output, const CommonOptions& options)
 {
     try {
         QString error;
-        return CameraDbConverter(input).convert(output, error) ? AllDone : failed(input, error);
+        return CameraDbConverter(input).convert(output, error) ? AllDone
+                                                               : failed(input, error, options);
     } catch (const std::runtime_error& fault) {
-        return failed(input, QString::fromUtf8(fault.what()));
+        return failed(input, QString::fromUtf8(fault.what()), options);
     }
 }
 
@@ -99,7 +100,7 @@ ExitCode rebuild(const CommonOptions& options)
     const QString file = database.settings().internalDBFileName(cameradb::kCurrentVersion);
     if (!(loaded || file::exists(file::dirname(file))) ||
         !CameraDbIo(database).loadAndSaveInternalTextDB(QString())) {
-        return failed(file, QStringLiteral("could not be made"));
+        return failed(file, QStringLiteral("could not be made"), options);
     }
     return loaded ? AllDone : SomethingFailed;
 }

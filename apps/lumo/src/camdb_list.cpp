@@ -8,7 +8,8 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-#include <array>
+#include <map>
+#include <utility>
 #include <vector>
 
 namespace lumo::program::camdb {
@@ -197,6 +198,19 @@ QString toText(const RigModel& rig, CameraSource source)
            QLatin1Char('\n') + formatTable(cameras);
 }
 
+/// What identifiers of images stand for, the user's over the shipped ones.
+std::map<QString, std::pair<QString, CameraSource>> allMappings(const CameraModelDb& database)
+{
+    std::map<QString, std::pair<QString, CameraSource>> mappings;
+    for (const auto& [exifId, camera] : database.userData().mappings) {
+        mappings.emplace(exifId, std::pair(camera, CameraSource::UserDatabase));
+    }
+    for (const auto& [exifId, camera] : database.internalData().mappings) {
+        mappings.emplace(exifId, std::pair(camera, CameraSource::InternalDatabase));
+    }
+    return mappings;
+}
+
 } // namespace
 
 ExitCode list(const CommonOptions& options)
@@ -221,8 +235,22 @@ ExitCode list(const CommonOptions& options)
                 {rig.name, text::toString(rig.source), QString::number(rig.cameraCount())});
         }
     }
+    std::vector<QStringList> mappings{{"identifier of images", "source", "stands for"}};
+    for (const auto& [exifId, mapping] : allMappings(database)) {
+        const auto& [camera, source] = mapping;
+        if (options.json) {
+            printJsonLine(
+                {{"kind", "mapping"},
+                 {"exifId", exifId},
+                 {"source", text::toString(source)},
+                 {"camera", camera}});
+        } else {
+            mappings.push_back({exifId, text::toString(source), camera});
+        }
+    }
     if (!options.json) {
-        printText(formatTable(cameras) + QLatin1Char('\n') + formatTable(rigs));
+        const QLatin1Char gap('\n');
+        printText(formatTable(cameras) + gap + formatTable(rigs) + gap + formatTable(mappings));
     }
     return exitCode;
 }

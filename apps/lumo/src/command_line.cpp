@@ -180,12 +180,14 @@ void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
         "Replace a camera that is known (default: add the image's bands to it at most)");
 
     CLI::App* remove = addCommand(
-        camdb, run, "remove", "Remove a camera or rig of your own",
+        camdb, run, "remove", "Remove a camera, rig or mapping of your own",
         "lumo camdb remove FC6310_8.8_5472x3648", [&arguments] {
             return camdb::remove(
                 toQt(arguments.first), toQt(arguments.serialNumber), arguments.common);
         });
-    remove->add_option("NAME", arguments.first, "Name of the camera or rig")
+    remove
+        ->add_option(
+            "NAME", arguments.first, "Name of the camera or rig, or the identifier that is mapped")
         ->type_name("NAME")
         ->required();
     addSerialOption(remove, arguments);
@@ -253,9 +255,9 @@ void addDatabaseCommands(CLI::App& app, Run& run, Arguments& arguments)
     camdb->footer("Example: lumo camdb list");
     camdb->require_subcommand(1);
     camdb->fallthrough();
-    addCommand(*camdb, run, "list", "List all cameras and rigs", "lumo camdb list", [&arguments] {
-        return camdb::list(arguments.common);
-    });
+    addCommand(
+        *camdb, run, "list", "List all cameras, rigs and mappings", "lumo camdb list",
+        [&arguments] { return camdb::list(arguments.common); });
     CLI::App* show = addCommand(
         *camdb, run, "show", "Show a camera or rig", "lumo camdb show FC6310_8.8_5472x3648",
         [&arguments] {

@@ -48,6 +48,13 @@ TEST_F(Camdb, AnAddedCameraIsFoundUntilItIsRemoved)
     EXPECT_EQ(camdb({"add", image}).exitCode, 1);
     EXPECT_EQ(camdb({"show", name, "--json"}).records().front()["source"].toString(), "exif");
     EXPECT_EQ(camdb({"map", "Alias_1.0_2x1", name}).exitCode, 0);
+    EXPECT_TRUE(camdb({"list", "--json"})
+                    .out.contains("{\"camera\":\"Model One_4.0_4000x3000\",\"exifId\":"
+                                  "\"Alias_1.0_2x1\",\"kind\":\"mapping\",\"source\":\"user\"}"));
+    EXPECT_EQ(camdb({"remove", "Alias_1.0_2x1"}).exitCode, 0);
+    const ProgramRun gone = camdb({"remove", "--json", "Alias_1.0_2x1"});
+    EXPECT_EQ(gone.exitCode, 1);
+    EXPECT_TRUE(gone.records().front()["error"].toString().startsWith("no camera, rig or map"));
 
     EXPECT_EQ(camdb({"export", path("my.xml")}).exitCode, 0);
     EXPECT_EQ(camdb({"validate", path("my.xml")}).exitCode, 0);

@@ -2,10 +2,11 @@
 #include "lumo/core/cameraInfo/optimized_parameters.h"
 
 #include "lumo/camerageometry/fisheye_camera.h"
-#include "lumo/camerageometry/perspective_camera_0.h"
+#include "lumo/camerageometry/perspective_camera.h"
 #include "lumo/core/cameraInfo/camera_model_from_db.h"
 
 #include <algorithm>
+#include <array>
 #include <stdexcept>
 
 namespace lumo {
@@ -17,7 +18,8 @@ void loadPerspective(const PerspectiveCamera& camera, CameraParams& params)
     const std::array<double, 3>& radial = camera.distortion().radial();
     const std::array<double, 2>& tangential = camera.distortion().tangential();
     constexpr int kHighestPower = 6; // of r, with K3
-    const bool distorts = dynamic_cast<const PerspectiveCamera0*>(&camera) == nullptr;
+    const bool distorts =
+        radial != std::array<double, 3>{} || tangential != std::array<double, 2>{};
     params.perspective.distortion = distorts ? kHighestPower : 0;
     params.perspective.radialK1 = radial[0];
     params.perspective.radialK2 = radial[1];
