@@ -23,6 +23,22 @@ QString connectionName()
     return QStringLiteral("login manager of the tests");
 }
 
+const QString& busFolder()
+{
+    static const QTemporaryDir folder;
+    static const QString path = folder.path();
+    return path;
+}
+
+QByteArray busAddress()
+{
+    return "unix:path=" + busFolder().toUtf8() + "/bus";
+}
+
+/// A process reads the address once, when it first asks for a bus of any kind, as Qt's
+/// network does in other tests: it is set before them all, and all buses have it.
+const bool addressIsSet = qputenv("DBUS_SYSTEM_BUS_ADDRESS", busAddress());
+
 QByteArray busConfiguration(const QByteArray& address)
 {
     return "<busconfig><type>session</type><listen>" + address +
@@ -93,12 +109,10 @@ LoginManager::LoginManager()
 
 void LoginManager::startBus()
 {
-    // A process reads the address once, so all its buses have the same one.
-    static const QTemporaryDir folder;
-    const QByteArray address = "unix:path=" + folder.filePath(QStringLiteral("bus")).toUtf8();
-    QFile configuration(folder.filePath(QStringLiteral("bus.conf")));
+    ASSERT_TRUE(addressIsSet);
+    QFile configuration(busFolder() + QStringLiteral("/bus.conf"));
     ASSERT_TRUE(configuration.open(QIODevice::WriteOnly));
-    configuration.write(busConfiguration(address));
+    configuration.write(busConfiguration(busAddress()));
     configuration.close();
     m_bus.start(
         QStringLiteral("dbus-daemon"),
@@ -107,8 +121,7 @@ void LoginManager::startBus()
     ASSERT_TRUE(m_bus.waitForStarted() && m_bus.waitForReadyRead(kStartTimeoutMs))
         << "dbus-daemon: " << qPrintable(m_bus.errorString())
         << m_bus.readAllStandardError().constData();
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
-    serve(QString::fromUtf8(address));
+    serve(QString::fromUtf8(busAddress()));
 }
 
 void LoginManager::serve(const QString& address)
