@@ -6,6 +6,7 @@
 #include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
 #include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/core/xml/camera_db_converter.h"
+#include "lumo/core/xml/conversion_error.h"
 #include "lumo/foundation/file.h"
 
 #include <QJsonObject>
@@ -88,7 +89,7 @@ ExitCode convert(const QString& input, const QString& output, const CommonOption
         return CameraDbConverter(input).convert(output, error) ? AllDone
                                                                : failed(input, error, options);
     } catch (const std::runtime_error& fault) {
-        return failed(input, QString::fromUtf8(fault.what()), options);
+        return failed(input, faultText(fault), options);
     }
 }
 

@@ -71,17 +71,6 @@ QString backupFor(
                                     : request.backup;
 }
 
-void checkVersion(const ParamConverter& converter, int target)
-{
-    if (converter.biggerVersion()) {
-        throw std::runtime_error(
-            QStringLiteral("is of format version %1, newer than version %2 that was asked for")
-                .arg(converter.kpxVersion())
-                .arg(target)
-                .toStdString());
-    }
-}
-
 void followProgress(ParamConverter& converter)
 {
     converter.setStepListener([](int done, int total, const QString& label) {
@@ -132,10 +121,10 @@ ExitCode dryRun(ParamConverter& converter, const Job& job, int target, const Com
     QByteArray result;
     QString error;
     if (!job.backup.isEmpty() && !mayBackUp(job.file, job.backup, error)) {
-        throw std::runtime_error(error.toStdString());
+        return failed(job.file, error, options);
     }
     if (!converter.convertInMemory(result, error)) {
-        throw std::runtime_error(error.toStdString());
+        return failed(job.file, error, options);
     }
     QString fault;
     const bool valid = satisfiesSchema(result, target, converter.isTemplate(), fault);
@@ -159,11 +148,11 @@ ExitCode run(ParamConverter& converter, const Job& job, const CommonOptions& opt
     const QStringList steps = converter.plannedSteps();
     QString error;
     if (!job.backup.isEmpty() && !backUp(job.file, job.backup, error)) {
-        throw std::runtime_error(error.toStdString());
+        return failed(job.file, error, options);
     }
     converter.skipBackup(); // it has been made, read back and compared
     if (!converter.convert(job.output, error)) {
-        throw std::runtime_error(error.toStdString());
+        return failed(job.file, error, options);
     }
     if (options.json) {
         printJsonLine(
@@ -187,7 +176,7 @@ ExitCode nothingToDo(const Job& job, const ConvertRequest& request, const Common
     const bool copied = !request.dryRun && !isSameFile(job.file, job.output);
     QString error;
     if (copied && !file::copy(job.file, job.output, error)) {
-        throw std::runtime_error(error.toStdString());
+        return failed(job.file, error, options);
     }
     const QString output = copied ? job.output : QString();
     if (options.json) {
@@ -204,13 +193,19 @@ ExitCode convertOne(
     const QString& file, const ConvertRequest& request, const CommonOptions& options)
 {
     ParamConverter converter(file, request.target);
-    checkVersion(converter, request.target);
+    if (converter.biggerVersion()) {
+        return failed(
+            file,
+            QStringLiteral("is of format version %1, newer than version %2 that was asked for")
+                .arg(converter.kpxVersion())
+                .arg(request.target),
+            options);
+    }
     converter.setKpxBackupPath(QStringLiteral("auto"));
     Job job{file, outputFor(file, request), {}};
     job.backup = backupFor(file, job.output, converter, request);
     if (file::exists(job.output) && !isSameFile(file, job.output)) {
-        throw std::runtime_error(
-            QStringLiteral("%1 is there already").arg(job.output).toStdString());
+        return failed(file, QStringLiteral("%1 is there already").arg(job.output), options);
     }
     if (!converter.needsConversion()) {
         return nothingToDo(job, request, options);

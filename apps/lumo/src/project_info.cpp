@@ -2,6 +2,7 @@
 #include "file_listing.h"
 #include "lumo/core/services/core_services.h"
 #include "lumo/core/services/progress_status_service.h"
+#include "lumo/core/xml/conversion_error.h"
 #include "lumo/core/xml/lumo_xml_validator.h"
 #include "lumo/core/xml/param_converter.h"
 #include "lumo/foundation/file.h"
@@ -92,7 +93,7 @@ ExitCode forEachFile(
                 exitCode = SomethingFailed;
             }
         } catch (const std::runtime_error& fault) {
-            fail(file, QString::fromUtf8(fault.what()));
+            fail(file, faultText(fault));
         }
     }
     return exitCode;

@@ -180,6 +180,18 @@ TEST_F(ProjectCommand, WhatCannotBeConvertedIsSaidAndLeftAlone)
     EXPECT_EQ(this->run({"convert", file, "--target", "4"}).exitCode, 2);
 }
 
+TEST_F(ProjectCommand, AFileThatIsNoXmlIsSaidWithItsLine)
+{
+    const QString file = m_folder.filePath("cut.kpx");
+    write(file, "<lumodesk>\n<software>\n");
+    const ProgramRun run = this->run({"info", "--json", file});
+    EXPECT_EQ(run.exitCode, 1);
+    ASSERT_EQ(run.records().size(), 1u);
+    EXPECT_TRUE(run.records()[0]["error"].toString().startsWith(
+        "Could not read XML from input file: line 3: "))
+        << run.out.toStdString();
+}
+
 TEST_F(ProjectCommand, TemplatesOfAFolderAreKeptInTheDataFolder)
 {
     const QString first = copyOf("templates/quick_2.0.tmpl");

@@ -2,6 +2,7 @@
 #include "lumo/core/xml/camera_db_converter.h"
 
 #include "lumo/cameradata/xml_document.h"
+#include "lumo/core/xml/conversion_error.h"
 #include "lumo/core/xml/xml_conversion.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
@@ -64,15 +65,19 @@ public:
 
     void plan();
     void readVersion();
+    /// \throws std::runtime_error with `outputFile` untouched
+    void convert(const QString& outputFile);
 };
 
 void CameraDbConverter::Impl::readVersion()
 {
     QDomDocument document;
-    QString error;
-    if (!xml::domFromFile(inputFile, document, error)) {
-        log::warning() << error;
-        throw std::runtime_error("CameraDbConverter - Could not read XML from input file");
+    QByteArray content;
+    QString reason;
+    if (!file::read(inputFile, xml::kMaxFileBytes, content, reason) ||
+        !xml::domFromBytes(content, document, reason)) {
+        log::warning() << inputFile + QStringLiteral(": ") + reason;
+        throw ConversionError("CameraDbConverter - Could not read XML from input file", reason);
     }
     const QDomElement root = document.firstChildElement(QStringLiteral("cameraModelDB"));
     if (root.isNull()) {
@@ -88,6 +93,22 @@ void CameraDbConverter::Impl::plan()
             steps.push_back(&step);
         }
     }
+}
+
+void CameraDbConverter::Impl::convert(const QString& outputFile)
+{
+    QByteArray document;
+    QString error;
+    if (!xml::readFile(inputFile, document, error)) {
+        throw std::runtime_error(error.toStdString());
+    }
+    for (const Step* step : steps) {
+        document = run(*step, document);
+    }
+    if (!file::replaceAtomically(outputFile, document, error)) {
+        throw std::runtime_error(error.toStdString());
+    }
+    steps.clear();
 }
 
 CameraDbConverter::CameraDbConverter(const QString& inputFile)
@@ -110,11 +131,12 @@ bool CameraDbConverter::convert(const QString& outputFile)
     if (!needsConvertion()) {
         return false;
     }
-    QString error;
-    if (!convert(outputFile, error)) {
+    try {
+        m_impl->convert(outputFile);
+    } catch (const std::runtime_error& fault) {
         log::important() << QStringLiteral("Failure converting kpx file [") + m_impl->inputFile +
                                 QStringLiteral("] to [") + outputFile + QStringLiteral("]. ") +
-                                error;
+                                QString::fromUtf8(fault.what());
         return false;
     }
     return true;
@@ -127,21 +149,11 @@ bool CameraDbConverter::convert(const QString& outputFile, QString& error)
         return false;
     }
     try {
-        QByteArray document;
-        if (!xml::readFile(m_impl->inputFile, document, error)) {
-            return false;
-        }
-        for (const Step* step : m_impl->steps) {
-            document = run(*step, document);
-        }
-        if (!file::replaceAtomically(outputFile, document, error)) {
-            return false;
-        }
+        m_impl->convert(outputFile);
     } catch (const std::runtime_error& fault) {
-        error = QString::fromUtf8(fault.what());
+        error = faultText(fault);
         return false;
     }
-    m_impl->steps.clear();
     return true;
 }
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/cameradata/xml_document.h"
+#include "lumo/core/xml/conversion_error.h"
 #include "lumo/core/xml/kpx_conversion_20_21.h"
 #include "lumo/core/xml/param_converter.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "xml/kpx_steps.h"
 #include "xml/kpx_stylesheet_changes.h"
-#include "xml/xslt_error.h"
 
 #include <QBuffer>
 
@@ -159,13 +159,10 @@ bool ParamConverter::Impl::runStep(
         if (reports != nullptr) {
             reports->push_back({step.label, changesOf(step, *conversion, input)});
         }
-    } catch (const xml::XsltError& fault) {
-        const QString what = QString::fromUtf8(fault.what());
-        logFailure(what); // the reason is in the log already
-        error = what + QStringLiteral(": ") + fault.reason();
-        return false;
     } catch (const std::runtime_error& fault) {
-        return fail(QString::fromUtf8(fault.what()), error);
+        logFailure(QString::fromUtf8(fault.what())); // more is in the log already
+        error = faultText(fault);
+        return false;
     }
     return true;
 }
@@ -204,7 +201,7 @@ ParamConverter::ParamConverter(const QString& file, int targetVersion)
     QString reason;
     if (!xml::readFile(file, bytes, reason) || !xml::checkXml(bytes, reason)) {
         log::warning() << reason;
-        throw std::runtime_error("Could not read XML from input file");
+        throw ConversionError("Could not read XML from input file", reason);
     }
     m_impl->inputFile = file;
     m_impl->version = kpx::readVersion(bytes);

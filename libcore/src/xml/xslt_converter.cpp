@@ -2,9 +2,9 @@
 #include "lumo/core/xml/xslt_converter.h"
 
 #include "lumo/cameradata/xml_document.h"
+#include "lumo/core/xml/conversion_error.h"
 #include "lumo/foundation/log.h"
 #include "xml/xslt_engines.h"
-#include "xml/xslt_error.h"
 
 #include <QIODevice>
 #include <QXmlStreamReader>
@@ -89,7 +89,7 @@ QByteArray XsltConverter::convert(QIODevice* input)
     QString error;
     if (!transform(m_xslFile, input, result, error)) {
         log::warning() << error;
-        throw xml::XsltError(error);
+        throw ConversionError("Cannot transform XML using XSLT", error);
     }
     return QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n") + result;
 }

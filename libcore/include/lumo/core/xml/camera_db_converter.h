@@ -18,8 +18,8 @@ class LUMO_CORE_EXPORT CameraDbConverter
 public:
     /// Reads the file's version: the attribute `value` of its element, or else
     /// its text. A missing version, or one that is not a number, counts as 0.
-    /// \throws std::runtime_error if the file cannot be read as XML, or if it is
-    ///     not a camera database
+    /// \throws ConversionError if the file cannot be read as XML
+    /// \throws std::runtime_error if it is not a camera database
     explicit CameraDbConverter(const QString& inputFile);
     CameraDbConverter(const CameraDbConverter&) = delete;
     CameraDbConverter& operator=(const CameraDbConverter&) = delete;

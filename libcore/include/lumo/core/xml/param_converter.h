@@ -38,7 +38,8 @@ public:
     /// Reads the versions of a file and plans the steps.
     /// \param targetVersion  the format version of the calling application, from 0
     /// \throws std::runtime_error "XML file does not exist: " with the path,
-    ///     "Could not read XML from input file" (the reason is logged as a warning),
+    ///     "Could not read XML from input file" (a ConversionError; the reason is
+    ///     logged as a warning, too),
     ///     "Invalid first line in XML file", "Invalid first tag in kpx/tmpl file",
     ///     "template version tag not found", or "Project generated with 2.1 beta
     ///     version." for product versions between 2.1.1 and 2.1.43

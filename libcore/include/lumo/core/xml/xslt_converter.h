@@ -22,8 +22,8 @@ public:
     void setXslFile(const QString& xslFile) override;
 
     /// \returns a UTF-8 XML declaration, a line feed, and the result
-    /// \throws std::runtime_error "Cannot transform XML using XSLT"; the reason
-    ///     is logged as a warning
+    /// \throws ConversionError "Cannot transform XML using XSLT"; the reason is
+    ///     logged as a warning, too
     [[nodiscard]] QByteArray convert(QIODevice* input) override;
 
 private:

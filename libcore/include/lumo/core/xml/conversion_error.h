@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/export.h"
+
+#include <QString>
+
+#include <stdexcept>
+
+namespace lumo {
+
+/// What the converters throw where the text is the same for all inputs: what() is that
+/// text, and the reason stands beside it.
+class LUMO_CORE_EXPORT ConversionError : public std::runtime_error
+{
+public:
+    ConversionError(const char* text, QString reason);
+    ~ConversionError() override;
+
+    /// Why, with the file or the line of the document where there is one.
+    [[nodiscard]] const QString& reason() const { return m_reason; }
+
+private:
+    QString m_reason;
+};
+
+/// The text of an exception, and behind a colon the reason if it is a ConversionError.
+[[nodiscard]] LUMO_CORE_EXPORT QString faultText(const std::exception& fault);
+
+} // namespace lumo
