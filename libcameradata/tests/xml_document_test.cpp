@@ -56,7 +56,7 @@ struct Input
     const char* error; ///< the part of it that is ours; empty if the input is read
 };
 
-void PrintTo(const Input& input, std::ostream* out)
+void PrintTo(const Input& input, std::ostream* out) // NOLINT(readability-identifier-naming)
 {
     *out << input.name;
 }

@@ -37,7 +37,7 @@ QByteArray busAddress()
 
 /// A process reads the address once, when it first asks for a bus of any kind, as Qt's
 /// network does in other tests: it is set before them all, and all buses have it.
-const bool addressIsSet = qputenv("DBUS_SYSTEM_BUS_ADDRESS", busAddress());
+const bool kAddressIsSet = qputenv("DBUS_SYSTEM_BUS_ADDRESS", busAddress());
 
 QByteArray busConfiguration(const QByteArray& address)
 {
@@ -109,7 +109,7 @@ LoginManager::LoginManager()
 
 void LoginManager::startBus()
 {
-    ASSERT_TRUE(addressIsSet);
+    ASSERT_TRUE(kAddressIsSet);
     QFile configuration(busFolder() + QStringLiteral("/bus.conf"));
     ASSERT_TRUE(configuration.open(QIODevice::WriteOnly));
     configuration.write(busConfiguration(busAddress()));

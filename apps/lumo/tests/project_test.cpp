@@ -15,7 +15,7 @@ protected:
     /// A copy of a sample under a name that is hard on paths.
     QString copyOf(const char* sample)
     {
-        const QString path = m_folder.filePath(
+        QString path = m_folder.filePath(
             "site #1 %20 \u00fc" + QString(sample).mid(QString(sample).lastIndexOf('.')));
         EXPECT_TRUE(QFile::copy(samplePath(sample), path));
         return path;

@@ -110,7 +110,7 @@ QString CameraModelDb::exifId2cameraName(const QString& exifId, bool internalOnl
         return (!internalOnly && m_user.cameras.contains(name)) ||
                m_internal.cameras.contains(name);
     };
-    const QString mapped = mappedName(exifId, internalOnly);
+    QString mapped = mappedName(exifId, internalOnly);
     if (!mapped.isEmpty() && known(mapped)) {
         return mapped;
     }

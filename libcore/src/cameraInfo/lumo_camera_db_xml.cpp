@@ -162,19 +162,18 @@ bool read(const QDomDocument& document, bool userDatabase, CameraDBData& data)
     return true;
 }
 
-bool mergeCameras(CameraDBData&& added, bool overwrite, CameraDBData& data)
+bool mergeCameras(cameratable::Table&& added, bool overwrite, CameraDBData& data)
 {
     // Names are looked up in what was there before: the bodies of a new model
     // share theirs, and come all or none.
     if (!overwrite) {
-        std::erase_if(added.cameras, [&data](const auto& entry) {
-            return data.cameras.contains(entry.first);
-        });
+        std::erase_if(
+            added, [&data](const auto& entry) { return data.cameras.contains(entry.first); });
     }
-    for (auto& [name, camera] : added.cameras) {
+    for (auto& [name, camera] : added) {
         putBody(std::move(camera), data);
     }
-    return !added.cameras.empty();
+    return !added.empty();
 }
 
 template <typename Table>
@@ -210,7 +209,7 @@ bool getXML(
     if (!read(document, userDatabase, added)) {
         return false;
     }
-    const bool cameras = mergeCameras(std::move(added), overwrite, data);
+    const bool cameras = mergeCameras(std::move(added.cameras), overwrite, data);
     const bool rigs = mergeTable(std::move(added.rigs), overwrite, data.rigs);
     const bool mappings = mergeTable(std::move(added.mappings), overwrite, data.mappings);
     modified = cameras || rigs || mappings;

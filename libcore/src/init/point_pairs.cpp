@@ -18,7 +18,7 @@ constexpr std::array<std::string_view, 9> kNumbers{"x1", "y1", "z1", "x2", "y2",
                                                    "z2", "sx", "sy", "sz"};
 constexpr std::size_t kRequired = 6;
 constexpr std::size_t kName = kNumbers.size();
-constexpr std::size_t kMaxLineBytes = 64 * 1024;
+constexpr std::size_t kMaxLineBytes = std::size_t{64} * 1024;
 
 using Cells = std::vector<std::string_view>;
 
