@@ -1,36 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/xml/lumo_xml_validator.h"
-#include "lumo/core/xml/param_converter.h"
-#include "lumo/core/xml/register_xml_converters.h"
 #include "lumo/foundation/log.h"
-#include "lumo/foundation/system.h"
-#include "source_dir.h"
-#include "xml_test_tools.h"
+#include "param_converter_fixture.h"
 
 #include <QBuffer>
-#include <QDir>
-#include <QTemporaryDir>
 #include <gmock/gmock.h>
 
 namespace lumo {
 namespace {
 
 using testing::HasSubstr;
-
-constexpr int kTarget = 3;
-const QByteArray kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-
-QString sample(const QString& name)
-{
-    return sourcePath("samples/") + name;
-}
-
-QByteArray project(const QByteArray& version, const QByteArray& format = "")
-{
-    return kDeclaration + "<lumodesk><software><projectVersion>" + version + "</projectVersion>" +
-           (format.isEmpty() ? "" : "<kpxVersion>" + format + "</kpxVersion>") +
-           "</software><inputs><images/></inputs></lumodesk>";
-}
 
 QString validationError(const QString& file, int version, bool isTemplate)
 {
@@ -51,54 +30,6 @@ std::string constructionError(const QString& path)
         return error.what();
     }
 }
-
-class ParamConverter_ : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        registerXmlConverters();
-        system::setApplicationDirectory(sourcePath());
-    }
-    void TearDown() override
-    {
-        system::setApplicationDirectory(QString());
-        ParamConverter::setTemplatesDataLocation(QString());
-    }
-
-    [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
-
-    QString file(const QString& name, const QByteArray& content)
-    {
-        return test::writeFile(path(name), content);
-    }
-
-    QByteArray converted(const QString& input, int target)
-    {
-        ParamConverter converter(input, target);
-        QString error;
-        EXPECT_TRUE(converter.convert(path("out"), error)) << qPrintable(error);
-        return test::readFile(path("out"));
-    }
-
-    /// An application directory of the test's own, with all that is installed.
-    QString applicationCopy(const QString& name)
-    {
-        const QDir source(sourcePath("resources"));
-        for (const QString& part :
-             {QStringLiteral("xsd/0"), QStringLiteral("xsd/1"), QStringLiteral("xsl/0")}) {
-            EXPECT_TRUE(QDir(path(name)).mkpath("resources/" + part));
-            for (const QString& entry : QDir(source.filePath(part)).entryList(QDir::Files)) {
-                EXPECT_TRUE(QFile::copy(
-                    source.filePath(part + '/' + entry),
-                    path(name + "/resources/" + part + '/' + entry)));
-            }
-        }
-        return path(name);
-    }
-
-    QTemporaryDir m_folder;
-};
 
 class AcceptedSample : public ParamConverter_, public testing::WithParamInterface<const char*>
 {};
@@ -369,67 +300,6 @@ TEST_F(ParamConverter_, AFailedStepTouchesNothingAndMayBeRepeated)
     EXPECT_EQ(ParamConverter(input, 2).kpxVersion(), 2);
     EXPECT_FALSE(converter.convert(output)) << "nothing is left";
     EXPECT_EQ(test::readFile(output), "as before");
-}
-
-TEST_F(ParamConverter_, ProjectsAreBackedUpOnce)
-{
-    const QByteArray old = test::readFile(sample("projects/terrestrial_1.2.kpx"));
-    const QString input = file(QString::fromUtf8("Höhe #1 %20.kpx"), old);
-    const auto convert = [&](const QString& setting) {
-        ParamConverter converter(input, kTarget);
-        converter.setKpxBackupPath(setting);
-        EXPECT_TRUE(converter.convert(path("out")));
-        return converter.backupPath();
-    };
-    EXPECT_EQ(convert(QString()), "");
-    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files).size(), 2) << "in and out";
-
-    const log::Capture log;
-    const QString automatic = path(QString::fromUtf8("Höhe #1 %20_backup_1.2.0.kpx"));
-    EXPECT_EQ(convert("auto"), automatic);
-    EXPECT_TRUE(log.contains(log::Level::Info, "Creating backup of the kpx file in: " + automatic));
-    EXPECT_EQ(test::readFile(automatic), old);
-    test::writeFile(automatic, "an older one");
-    EXPECT_EQ(convert("auto"), automatic);
-    EXPECT_EQ(test::readFile(automatic), "an older one");
-
-    EXPECT_EQ(convert(path("own")), path("own"));
-    EXPECT_EQ(test::readFile(path("own")), old);
-    EXPECT_EQ(convert(path("no folder/b")), path("no folder/b")) << "it goes on without";
-    EXPECT_EQ(log.records().back().level, log::Level::Important);
-}
-
-TEST_F(ParamConverter_, ABackupStaysInTheFolderOfTheFile)
-{
-    const QString input = file("in.kpx", project("2.1.43/../../x"));
-    ParamConverter converter(input, kTarget);
-    converter.setKpxBackupPath("auto");
-    EXPECT_EQ(converter.backupPath(), path("in_backup_2.1.43_.._.._x.kpx"));
-    ParamConverter shortNamed(file("abc", project("2.1.43")), kTarget);
-    shortNamed.setKpxBackupPath("auto");
-    EXPECT_EQ(shortNamed.backupPath(), path("_backup_2.1.43.kpx"));
-}
-
-TEST_F(ParamConverter_, TemplatesAreBackedUpByAge)
-{
-    const QString input = file("t.tmpl", test::readFile(sample("templates/quick_2.0.tmpl")));
-    const auto convert = [&] {
-        const log::Capture log;
-        ParamConverter converter(input, kTarget);
-        converter.setKpxBackupPath(path("not for templates"));
-        EXPECT_TRUE(converter.convert(path("out")));
-        return !log.contains(log::Level::Warning, "Template backup cannot be created");
-    };
-    EXPECT_FALSE(convert()) << "there is no location";
-    ParamConverter::setTemplatesDataLocation(input + "/is a file");
-    EXPECT_FALSE(convert());
-    ParamConverter::setTemplatesDataLocation(path("data"));
-    EXPECT_TRUE(convert());
-    EXPECT_EQ(test::readFile(path("data/templates_backups20/t.tmpl")), test::readFile(input));
-    test::writeFile(input, test::readFile(sample("templates/quick_format_0.tmpl")));
-    EXPECT_TRUE(convert());
-    EXPECT_EQ(test::readFile(path("data/templates_backups21/t.tmpl")), test::readFile(input));
-    EXPECT_FALSE(QFile::exists(path("not for templates")));
 }
 
 TEST_F(ParamConverter_, ADevelopmentStepAppliesOnTopOfTheNewest)
