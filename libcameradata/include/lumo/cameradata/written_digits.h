@@ -5,10 +5,10 @@
 /// CameraParams::equal compares them therefore.
 namespace lumo::writtendigits {
 
-inline constexpr int kSize = 6; ///< pixel size and principal point
-inline constexpr int kFocalLength = 7;
-inline constexpr int kLens = 9;   ///< distortion, fisheye polynomial and affine map
-inline constexpr int kValue = 10; ///< read-out time, velocity number, pixel values
-inline constexpr int kVignetting = 6;
+inline constexpr int kSize = 6;        ///< pixel size and principal point
+inline constexpr int kFocalLength = 7; ///< in mm
+inline constexpr int kLens = 9;        ///< distortion, fisheye polynomial and affine map
+inline constexpr int kValue = 10;      ///< read-out time, velocity number, pixel values
+inline constexpr int kVignetting = 6;  ///< coefficients
 
 } // namespace lumo::writtendigits

@@ -29,10 +29,10 @@ class QDomDocument;
 /// input's size to that while it lasts.
 namespace lumo::xml {
 
-inline constexpr int kMaxDepth = 256;                   ///< elements in elements
-inline constexpr int kMaxTextLength = 16 * 1024 * 1024; ///< UTF-16 units
-inline constexpr int kMaxAttributes = 1000;             ///< of one element
-inline constexpr qint64 kMaxFileBytes = qint64{1} << 30;
+inline constexpr int kMaxDepth = 256;                    ///< elements in elements
+inline constexpr int kMaxTextLength = 16 * 1024 * 1024;  ///< UTF-16 units
+inline constexpr int kMaxAttributes = 1000;              ///< of one element
+inline constexpr qint64 kMaxFileBytes = qint64{1} << 30; ///< of a file
 
 /// The bytes of a regular file or Qt resource of at most kMaxFileBytes, not looked at yet.
 /// \param[out] content  replaced on success, untouched on failure
