@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <filesystem>
+#include <system_error>
 
 namespace lumo::program {
 namespace {
@@ -48,12 +49,19 @@ private:
     {
         std::error_code fault;
         const std::filesystem::path path(QFile::encodeName(folder).toStdString());
-        for (const auto& entry : std::filesystem::directory_iterator(path, fault)) {
-            const QByteArray bytes = QByteArray::fromStdString(entry.path().filename().string());
+        std::filesystem::directory_iterator entry(path, fault);
+        while (!fault && entry != std::filesystem::directory_iterator()) {
+            const QByteArray bytes = QByteArray::fromStdString(entry->path().filename().string());
             const QString name = QFile::decodeName(bytes);
-            if (QFile::encodeName(name) != bytes && (entry.is_directory(fault) || m_wanted(name))) {
+            std::error_code unknown;
+            if (QFile::encodeName(name) != bytes &&
+                (entry->is_directory(unknown) || m_wanted(name))) {
                 fail(QDir(folder).filePath(name), QStringLiteral("The name is not valid UTF-8"));
             }
+            entry.increment(fault);
+        }
+        if (fault) {
+            fail(folder, QString::fromStdString(fault.message()));
         }
     }
 

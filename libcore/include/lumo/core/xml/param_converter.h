@@ -80,9 +80,9 @@ public:
     void setStepListener(StepListener listener);
 
     /// Copies the file to backupPath(), unless something is there already or the
-    /// backup is to be skipped; runs the steps in memory; and replaces `outputFile`, which may be
-    /// the input file, by the result. Afterwards nothing is left to be done. A backup that cannot
-    /// be made is logged, and the conversion goes on.
+    /// backup is to be skipped; runs the steps in memory; and replaces `outputFile`,
+    /// which may be the input file, by the result. Afterwards nothing is left to be
+    /// done. A backup that cannot be made is logged, and the conversion goes on.
     /// \param[out] error  the reason on failure, else untouched
     /// \returns false, with `outputFile` untouched, if there was nothing to be
     ///     done or something failed, which is logged; the call may then be repeated
