@@ -3,11 +3,14 @@
 
 #include "lumo/foundation/log.h"
 #include "metadata_bytes.h"
+#include "tiff_limits.h"
 
 #include <QFile>
 #include <exiv2/exiv2.hpp>
+#include <exiv2/webpimage.hpp>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <mutex>
 #include <optional>
@@ -15,7 +18,9 @@
 namespace lumo::exif {
 namespace {
 
-constexpr long kMaxTagBytes = 128L * 1024L;
+/// What exiv2 may read of one file beside TIFF structures: a file whose boxes or chunks
+/// are read again and again is given up. Real files take 1 MiB, and WebP the picture.
+constexpr long kMaxReadBytes = 64L * 1024L * 1024L;
 constexpr std::size_t kMaxNumbers = 16;
 
 void logMessage(int, const char* message)
@@ -108,7 +113,7 @@ RawMetadata collect(const Exiv2::Image& image)
 {
     RawMetadata raw;
     for (const Exiv2::Exifdatum& datum : image.exifData()) {
-        if (datum.size() > 0 && datum.size() <= kMaxTagBytes) {
+        if (datum.size() > 0 && static_cast<std::size_t>(datum.size()) <= kMaxTagBytes) {
             raw.tags.emplace(datum.key(), tagValue(datum.value()));
         }
     }
@@ -119,76 +124,190 @@ RawMetadata collect(const Exiv2::Image& image)
     return raw;
 }
 
-/// \param recognised  whether the format was known when it failed: files shorter
-///     than the marks of all formats fail before
-QString reason(const Exiv2::Error& failure, bool recognised)
+/// Memory that counts what is read from it, and throws where it is too much.
+class CountedIo : public Exiv2::MemIo
+{
+public:
+    using MemIo::MemIo;
+    using MemIo::read;
+    using MemIo::seek;
+
+    Exiv2::DataBuf read(long count) override
+    {
+        spend(count);
+        return MemIo::read(count);
+    }
+    long read(Exiv2::byte* buffer, long count) override
+    {
+        spend(count);
+        return MemIo::read(buffer, count);
+    }
+    int seek(long offset, Position position) override
+    {
+        spend(0);
+        return MemIo::seek(offset, position);
+    }
+    int getb() override
+    {
+        spend(1);
+        return MemIo::getb();
+    }
+
+private:
+    void spend(long count)
+    {
+        constexpr long kCostOfCall = 64; // as copying so many bytes
+        m_spent += std::max(count, kCostOfCall);
+        if (m_spent > kMaxReadBytes) {
+            throw Exiv2::Error(Exiv2::kerErrorMessage, "it asks for more than 64 MiB to be read");
+        }
+    }
+
+    long m_spent = 0;
+};
+
+/// The still pictures that exiv2 reads EXIF from. Its readers of videos are not safe, and
+/// it takes unknown sound files for videos.
+bool isReadType(int type)
+{
+    using namespace Exiv2;
+    constexpr std::array kTypes = {
+        ImageType::jpeg, ImageType::exv,  ImageType::cr2, ImageType::crw, ImageType::mrw,
+        ImageType::tiff, ImageType::webp, ImageType::rw2, ImageType::orf, ImageType::png,
+        ImageType::pgf,  ImageType::raf,  ImageType::psd, ImageType::jp2, ImageType::bmff};
+    return std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end();
+}
+
+/// Pictures without EXIF, by exiv2's number.
+QString withoutExif(int type)
+{
+    switch (type) {
+    case Exiv2::ImageType::gif:
+        return QStringLiteral("GIF");
+    case Exiv2::ImageType::bmp:
+        return QStringLiteral("BMP");
+    case Exiv2::ImageType::tga:
+        return QStringLiteral("TGA");
+    case Exiv2::ImageType::eps:
+        return QStringLiteral("EPS");
+    default:
+        return {};
+    }
+}
+
+void setUpExiv2()
+{
+    static const bool done = [] {
+        Exiv2::LogMsg::setHandler(logMessage);
+        return Exiv2::enableBMFF(true);
+    }();
+    static_cast<void>(done);
+}
+
+/// Opens the image, if it is of a type that is read.
+Exiv2::Image::AutoPtr openImage(Exiv2::BasicIo::AutoPtr io, QString& error)
+{
+    const int type = Exiv2::ImageFactory::getType(*io);
+    if (!isReadType(type)) {
+        const QString name = withoutExif(type);
+        error = name.isEmpty() ? QStringLiteral("not an image of a known format")
+                               : QStringLiteral("holds no EXIF data: %1 files have none").arg(name);
+        return Exiv2::Image::AutoPtr();
+    }
+    Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(io);
+    if (image.get() == nullptr) {
+        error = QStringLiteral("not an image of a known format");
+    }
+    return image;
+}
+
+/// In words of ours, for what is common.
+QString reason(const Exiv2::Error& failure)
 {
     switch (failure.code()) {
-    case Exiv2::kerFileContainsUnknownImageType:
-    case Exiv2::kerMemoryContainsUnknownImageType:
-    case Exiv2::kerUnsupportedImageType:
-        return QStringLiteral("not an image of a known format");
     case Exiv2::kerFailedToReadImageData:
     case Exiv2::kerInputDataReadFailed:
     case Exiv2::kerNoImageInInputData:
     case Exiv2::kerNotAnImage:
     case Exiv2::kerNotAJpeg:
+    case Exiv2::kerNotACrwImage:
     case Exiv2::kerCorruptedMetadata:
     case Exiv2::kerOffsetOutOfRange:
     case Exiv2::kerArithmeticOverflow:
-        return recognised ? QStringLiteral("truncated or damaged")
-                          : QStringLiteral("not an image of a known format");
+        return QStringLiteral("truncated or damaged");
     default:
         return QStringLiteral("unreadable metadata (%1)")
             .arg(QString::fromLocal8Bit(failure.what()).simplified());
     }
 }
 
-/// \param io  a BasicIo of our own: given a text, exiv2 would also open URLs and pipes
+/// What `work` throws in one line; empty if it throws nothing.
+template <typename Work>
+QString failureOf(const Work& work)
+{
+    try {
+        work();
+        return {};
+    } catch (const Exiv2::Error& failure) {
+        return reason(failure);
+    } catch (const std::exception& failure) {
+        return QStringLiteral("unreadable metadata (%1)")
+            .arg(QString::fromLocal8Bit(failure.what()).simplified());
+    }
+}
+
+/// Keeps the tags that exiv2 read before it gave up, with the reason in `raw.damage`.
 bool readWithExiv2(Exiv2::BasicIo::AutoPtr io, RawMetadata& raw, QString& error)
 {
-    static const bool handled = [] {
-        Exiv2::LogMsg::setHandler(logMessage);
-        return true;
-    }();
-    static_cast<void>(handled);
-    bool recognised = false;
-    try {
-        const Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(io);
-        if (image.get() == nullptr) {
+    setUpExiv2();
+    Exiv2::Image::AutoPtr image;
+    const QString unopened = failureOf([&] { image = openImage(io, error); });
+    if (image.get() == nullptr) {
+        if (!unopened.isEmpty()) { // files shorter than the marks of all formats
             error = QStringLiteral("not an image of a known format");
-            return false;
         }
-        recognised = true;
-        image->readMetadata();
-        raw = collect(*image);
-        return true;
-    } catch (const Exiv2::Error& failure) {
-        error = reason(failure, recognised);
-    } catch (const std::exception& failure) {
-        error = QStringLiteral("unreadable metadata (%1)")
-                    .arg(QString::fromLocal8Bit(failure.what()).simplified());
+        return false;
     }
-    return false;
+    const QString damage = failureOf([&] { image->readMetadata(); });
+    error = failureOf([&] { raw = collect(*image); });
+    if (error.isEmpty() && !damage.isEmpty() && raw.tags.empty()) {
+        error = damage;
+    }
+    raw.damage = damage;
+    return error.isEmpty();
 }
 
 } // namespace
 
 bool readRawMetadata(QFile& file, RawMetadata& raw, QString& error)
 {
-    const std::optional<MetadataBytes> bytes = takeOutXmp(file);
-    if (!bytes) {
-        const XmpSession session;
-        Exiv2::BasicIo::AutoPtr io(
-            new Exiv2::FileIo(QFile::encodeName(file.fileName()).toStdString()));
-        return readWithExiv2(io, raw, error);
-    }
-    // MemIo refers to the bytes, which are only read.
-    Exiv2::BasicIo::AutoPtr io(new Exiv2::MemIo(bytes->data, static_cast<long>(bytes->size)));
-    if (!readWithExiv2(io, raw, error)) {
+    MetadataBytes bytes;
+    if (!prepareMetadata(file, bytes, error)) {
         return false;
     }
-    raw.xmpPacket = bytes->xmpPacket;
+    // JPEG and TIFF are shown without XMP, and CRW has none.
+    const bool isXmpTakenOut = bytes.kind == FileKind::Jpeg || bytes.kind == FileKind::Tiff;
+    std::optional<XmpSession> session;
+    if (!isXmpTakenOut && bytes.kind != FileKind::Crw) {
+        session.emplace();
+    }
+    // CountedIo refers to the bytes, which are only read.
+    Exiv2::BasicIo::AutoPtr io(new CountedIo(bytes.data, static_cast<long>(bytes.size)));
+    RawMetadata result;
+    if (!readWithExiv2(io, result, error)) {
+        return false;
+    }
+    if (!bytes.damage.isEmpty()) {
+        result.damage = bytes.damage;
+        if (result.tags.empty()) {
+            error = QStringLiteral("truncated or damaged");
+            return false;
+        }
+    }
+    if (isXmpTakenOut) {
+        result.xmpPacket = bytes.xmpPacket;
+    }
+    raw = result;
     return true;
 }
 

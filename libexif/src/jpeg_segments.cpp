@@ -42,7 +42,9 @@ JpegSegments::JpegSegments(QIODevice& file)
 
 bool JpegSegments::next(JpegSegment& segment)
 {
-    if (m_damaged || m_atPicture || readByte(m_file) != kMarker) {
+    // Real files have up to some hundred, most of them thermal data or extended XMP.
+    constexpr int kMaxSegments = 4096;
+    if (m_damaged || m_atPicture || ++m_count > kMaxSegments || readByte(m_file) != kMarker) {
         m_damaged = !m_atPicture;
         return false;
     }

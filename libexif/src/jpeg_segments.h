@@ -28,7 +28,7 @@ public:
     explicit JpegSegments(QIODevice& file);
 
     /// \returns  false at the first scan, at the end of the image, or where the file
-    ///     is no JPEG or damaged
+    ///     is no JPEG, is damaged, or has had 4096 segments
     [[nodiscard]] bool next(JpegSegment& segment);
 
     /// Whether next() ended at the first scan or the end of the image.
@@ -36,6 +36,7 @@ public:
 
 private:
     QIODevice& m_file;
+    int m_count = 0;
     bool m_atPicture = false;
     bool m_damaged = false;
 };

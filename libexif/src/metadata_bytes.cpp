@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "metadata_bytes.h"
 
+#include "bmff_boxes.h"
+#include "ciff_directories.h"
 #include "jpeg_segments.h"
+#include "tiff_limits.h"
 
 #include <QFile>
-#include <QtEndian>
 
 #include <limits>
 
@@ -12,158 +14,158 @@ namespace lumo::exif {
 namespace {
 
 constexpr quint16 kXmpTag = 700;
-constexpr quint16 kUnusedTag = 0xfff0;
-constexpr quint16 kByteType = 1;
-constexpr std::size_t kTiffHeader = 8;
-constexpr std::size_t kEntrySize = 12;
-
-/// Numbers of a TIFF structure, in its byte order.
-class TiffBytes
-{
-public:
-    TiffBytes(unsigned char* data, std::size_t size)
-        : m_data(data)
-        , m_size(size)
-        , m_little(size >= 2 && data[0] == 'I')
-    {}
-
-    [[nodiscard]] bool isTiff() const
-    {
-        return m_size >= kTiffHeader && (m_data[0] == 'I' || m_data[0] == 'M') &&
-               m_data[1] == m_data[0] && get16(2) == 42;
-    }
-    [[nodiscard]] std::size_t size() const { return m_size; }
-    [[nodiscard]] quint16 get16(std::size_t at) const
-    {
-        return m_little ? qFromLittleEndian<quint16>(m_data + at)
-                        : qFromBigEndian<quint16>(m_data + at);
-    }
-    [[nodiscard]] quint32 get32(std::size_t at) const
-    {
-        return m_little ? qFromLittleEndian<quint32>(m_data + at)
-                        : qFromBigEndian<quint32>(m_data + at);
-    }
-    void put16(std::size_t at, quint16 number)
-    {
-        m_little ? qToLittleEndian(number, m_data + at) : qToBigEndian(number, m_data + at);
-    }
-    void put32(std::size_t at, quint32 number)
-    {
-        m_little ? qToLittleEndian(number, m_data + at) : qToBigEndian(number, m_data + at);
-    }
-    [[nodiscard]] QByteArray copy(std::size_t at, std::size_t size) const
-    {
-        return {reinterpret_cast<const char*>(m_data + at), static_cast<int>(size)};
-    }
-
-private:
-    unsigned char* m_data;
-    std::size_t m_size;
-    bool m_little;
-};
 
 /// The bytes of an entry of single bytes, wherever they are; empty if they are not
 /// in the file.
 QByteArray entryBytes(const TiffBytes& tiff, std::size_t entry)
 {
-    constexpr std::size_t kInline = 4;
     const std::size_t count = tiff.get32(entry + 4);
-    const std::size_t at = count <= kInline ? entry + 8 : tiff.get32(entry + 8);
-    const bool held = count <= tiff.size() && at <= tiff.size() - count;
+    const std::size_t at = count <= TiffBytes::kInlineSize ? entry + 8 : tiff.get32(entry + 8);
+    const bool held = tiff.contains(at, count);
     return held && count <= std::numeric_limits<int>::max() ? tiff.copy(at, count) : QByteArray();
 }
 
-/// Makes the XMP entries of the first directory, where the format puts them, into
-/// entries of another tag.
+/// Blanks the XMP entries of the first directory, where the format puts them.
 /// \returns  the first packet
 QByteArray hideXmpEntries(TiffBytes tiff)
 {
     QByteArray packet;
-    if (!tiff.isTiff()) {
+    if (!tiff.isTiff() || !tiff.contains(tiff.get32(4), 2)) {
         return packet;
     }
     const std::size_t directory = tiff.get32(4);
-    if (directory > tiff.size() - 2) {
-        return packet;
-    }
     const std::size_t entries = tiff.get16(directory);
     for (std::size_t i = 0; i < entries; ++i) {
-        const std::size_t entry = directory + 2 + i * kEntrySize;
-        if (entry + kEntrySize > tiff.size()) {
+        const std::size_t entry = directory + 2 + i * TiffBytes::kEntrySize;
+        if (entry + TiffBytes::kEntrySize > tiff.size()) {
             break;
         }
         if (tiff.get16(entry) == kXmpTag) {
             if (packet.isEmpty()) {
                 packet = entryBytes(tiff, entry);
             }
-            tiff.put16(entry, kUnusedTag);
-            tiff.put16(entry + 2, kByteType);
-            tiff.put32(entry + 4, 1);
+            tiff.blankEntry(entry);
         }
     }
     return packet;
 }
 
-std::optional<MetadataBytes> fromJpeg(QFile& file)
+QString tooManyEntries()
+{
+    return QStringLiteral("too expensive to read: its directories list over a million entries");
+}
+
+/// The TIFF structure of an EXIF segment, limited; a packet in it is not where JPEG files
+/// have theirs, and is dropped.
+bool limitExifSegment(QByteArray& content, int mark)
+{
+    const TiffBytes tiff(
+        reinterpret_cast<unsigned char*>(content.data()) + mark,
+        static_cast<std::size_t>(content.size() - mark));
+    static_cast<void>(hideXmpEntries(tiff));
+    return limitTiff(tiff);
+}
+
+bool prepareJpeg(QFile& file, MetadataBytes& result, QString& error)
 {
     static const QByteArray exifMark("Exif\0\0", 6);
     static const QByteArray xmpMark("http://ns.adobe.com/xap/1.0/\0", 29);
-    MetadataBytes result;
+    constexpr int kMaxHeader = 1024 * 1024; // a segment has at most 64 KiB, and one is usual
     result.header = QByteArray("\xff\xd8");
     JpegSegments segments(file);
     JpegSegment segment;
     while (segments.next(segment)) {
-        if (segment.type == JpegSegment::kApp1 && segment.content.startsWith(xmpMark)) {
-            if (result.xmpPacket.isEmpty()) {
-                result.xmpPacket = segment.content.mid(xmpMark.size());
-            }
-            continue;
+        const bool isApp1 = segment.type == JpegSegment::kApp1;
+        if (isApp1 && segment.content.startsWith(xmpMark) && result.xmpPacket.isEmpty()) {
+            result.xmpPacket = segment.content.mid(xmpMark.size());
         }
-        if (segment.type == JpegSegment::kApp1 && segment.content.startsWith(exifMark)) {
-            auto* tiff = reinterpret_cast<unsigned char*>(segment.content.data());
-            const auto size = static_cast<std::size_t>(segment.content.size());
-            const auto mark = static_cast<std::size_t>(exifMark.size());
-            // A packet here is not where JPEG files have it: exiv2 would not count it.
-            static_cast<void>(hideXmpEntries({tiff + mark, size - mark}));
+        const bool isExif = isApp1 && segment.content.startsWith(exifMark);
+        if (isExif && !limitExifSegment(segment.content, exifMark.size())) {
+            error = tooManyEntries();
+            return false;
         }
-        result.header += segment.bytes();
+        if ((isExif || segment.isFrameHeader()) && result.header.size() < kMaxHeader) {
+            result.header += segment.bytes();
+        }
     }
     if (!segments.atPicture()) {
-        return std::nullopt;
+        result.damage = QStringLiteral("truncated or damaged before its picture");
     }
     result.header += QByteArray("\xff\xda\x00\x02\xff\xd9", 6);
     result.data = reinterpret_cast<const unsigned char*>(result.header.constData());
     result.size = static_cast<std::size_t>(result.header.size());
-    return result;
+    return true;
 }
 
-std::optional<MetadataBytes> fromTiff(QFile& file)
+/// What is expensive about the outline of the file; empty if nothing is.
+QString expensiveOutline(FileKind kind, const unsigned char* data, std::size_t size)
+{
+    if (kind == FileKind::Bmff || kind == FileKind::Cr3) {
+        return expensiveBoxes(data, size);
+    }
+    return kind == FileKind::Crw ? expensiveDirectories(data, size) : QString();
+}
+
+/// Formats in which EXIF is somewhere inside. The picture of a CR3 file, of some 30 MB, is
+/// left out: reading it would take longer than all the rest. CRW has no TIFF structures.
+bool limitContainer(FileKind kind, unsigned char* data, std::size_t size, QString& error)
+{
+    const QString expensive = expensiveOutline(kind, data, size);
+    if (!expensive.isEmpty()) {
+        error = QStringLiteral("too expensive to read: %1").arg(expensive);
+        return false;
+    }
+    const ByteRange skipped = kind == FileKind::Cr3   ? mediaData(data, size)
+                              : kind == FileKind::Crw ? ByteRange{0, size}
+                                                      : ByteRange{size, 0};
+    const std::size_t end = skipped.begin + skipped.size;
+    if (!limitEmbeddedTiffs(data, skipped.begin) || !limitEmbeddedTiffs(data + end, size - end)) {
+        error = tooManyEntries();
+        return false;
+    }
+    return true;
+}
+
+bool prepareMapped(QFile& file, MetadataBytes& result, QString& error)
 {
     const auto size = static_cast<std::size_t>(file.size());
     unsigned char* data = file.map(0, file.size(), QFileDevice::MapPrivateOption);
-    if (data == nullptr || !TiffBytes(data, size).isTiff()) {
-        return std::nullopt;
+    if (data == nullptr) {
+        error = QStringLiteral("cannot be read: %1").arg(file.errorString().simplified());
+        return false;
     }
-    MetadataBytes result;
     result.data = data;
     result.size = size;
-    result.xmpPacket = hideXmpEntries({data, size});
-    return result;
+    if (result.kind != FileKind::Tiff) {
+        return limitContainer(result.kind, data, size, error);
+    }
+    const TiffBytes tiff(data, size);
+    result.xmpPacket = hideXmpEntries(tiff);
+    if (!limitTiff(tiff)) {
+        error = tooManyEntries();
+        return false;
+    }
+    return true;
 }
 
 } // namespace
 
-std::optional<MetadataBytes> takeOutXmp(QFile& file)
+bool prepareMetadata(QFile& file, MetadataBytes& bytes, QString& error)
 {
-    if (!file.seek(0)) {
-        return std::nullopt;
+    MetadataBytes result;
+    const QByteArray head = file.seek(0) ? file.read(kFileHeadSize) : QByteArray();
+    QString refused;
+    result.kind = fileKind(head, refused);
+    if (result.kind == FileKind::Refused) {
+        error = QStringLiteral("not a picture with EXIF data: %1").arg(refused);
+        return false;
     }
-    const QByteArray mark = file.read(4);
-    if (mark.startsWith("\xff\xd8")) {
-        return fromJpeg(file);
+    const bool prepared = result.kind == FileKind::Jpeg ? prepareJpeg(file, result, error)
+                                                        : prepareMapped(file, result, error);
+    if (prepared) {
+        bytes = result;
     }
-    const bool isTiff = mark == QByteArray("II\x2a\0", 4) || mark == QByteArray("MM\0\x2a", 4);
-    return isTiff ? fromTiff(file) : std::nullopt;
+    return prepared;
 }
 
 } // namespace lumo::exif

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 #include <cstddef>
 #include <map>
@@ -25,6 +26,7 @@ struct RawMetadata
     QByteArray xmpPacket;
     std::size_t pixelWidth = 0; ///< of the main image; 0 if there is none
     std::size_t pixelHeight = 0;
+    QString damage; ///< why only a part was read; empty if all was
 };
 
 } // namespace lumo::exif

@@ -79,6 +79,18 @@ QString readCalibrationSerialNumber(const QString& path)
 
 bool readExif(const QString& path, ExifInfo& exif, QString& error)
 {
+    QStringList notes;
+    if (!readExif(path, exif, notes, error)) {
+        return false;
+    }
+    for (const QString& note : notes) {
+        log::warning() << path + QLatin1Char(':') << note;
+    }
+    return true;
+}
+
+bool readExif(const QString& path, ExifInfo& exif, QStringList& notes, QString& error)
+{
     QFile file(path);
     RawMetadata raw;
     if (!openFile(file, error) || !readRawMetadata(file, raw, error)) {
@@ -98,9 +110,12 @@ bool readExif(const QString& path, ExifInfo& exif, QString& error)
         error = QStringLiteral("holds no EXIF data");
         return false;
     }
+    notes.clear();
+    if (!raw.damage.isEmpty()) {
+        notes += QStringLiteral("read in part: %1").arg(raw.damage);
+    }
     if (!tags.notes().isEmpty()) {
-        log::warning() << path + QStringLiteral(": left out:")
-                       << tags.notes().join(QStringLiteral("; "));
+        notes += QStringLiteral("left out: %1").arg(tags.notes().join(QStringLiteral("; ")));
     }
     exif = result;
     return true;

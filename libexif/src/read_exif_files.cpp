@@ -20,7 +20,7 @@ FileMetadata readOne(const QString& path)
 {
     FileMetadata file;
     file.path = path;
-    static_cast<void>(readExif(path, file.exif, file.error));
+    static_cast<void>(readExif(path, file.exif, file.notes, file.error));
     return file;
 }
 

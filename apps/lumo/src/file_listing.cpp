@@ -5,12 +5,19 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QMap>
 
 #include <filesystem>
 #include <system_error>
 
 namespace lumo::program {
 namespace {
+
+/// Files that are read beside images, and the notes on a file that macOS leaves on cards.
+bool isCompanion(const QString& name)
+{
+    return name == QLatin1String("sequoia_therm.dat") || name.startsWith(QLatin1String("._"));
+}
 
 /// Below one argument that is a folder.
 class FolderListing
@@ -43,6 +50,33 @@ public:
     [[nodiscard]] const QStringList& files() const { return m_files; }
     [[nodiscard]] bool foundNothing() const { return m_files.isEmpty() && !m_hasFailed; }
 
+    /// "left out 12 files of other kinds: 8 .mp4, 3 .txt, 1 without an ending"; empty if
+    /// none was.
+    [[nodiscard]] QString leftOut() const
+    {
+        constexpr int kMostNamed = 5;
+        QStringList kinds;
+        int files = 0;
+        int unnamed = 0;
+        for (auto kind = m_leftOut.begin(); kind != m_leftOut.end(); ++kind) {
+            files += kind.value();
+            if (kinds.size() < kMostNamed) {
+                kinds += kind.key().isEmpty()
+                             ? QStringLiteral("%1 without an ending").arg(kind.value())
+                             : QStringLiteral("%1 .%2").arg(kind.value()).arg(kind.key());
+            } else {
+                unnamed += kind.value();
+            }
+        }
+        if (unnamed > 0) {
+            kinds += QStringLiteral("%1 others").arg(unnamed);
+        }
+        return files == 0 ? QString()
+                          : QStringLiteral("left out %1 %2 of other kinds: %3")
+                                .arg(files)
+                                .arg(files == 1 ? "file" : "files", kinds.join(", "));
+    }
+
 private:
     /// Qt leaves out what it has no name for, which may be a whole flight.
     void findUndecodable(const QString& folder)
@@ -68,6 +102,9 @@ private:
     void take(const QFileInfo& entry)
     {
         if (!m_wanted(entry.fileName())) {
+            if (!isCompanion(entry.fileName())) {
+                ++m_leftOut[entry.suffix().toLower()];
+            }
             return;
         }
         if (!entry.exists()) {
@@ -86,6 +123,7 @@ private:
     const NameFilter& m_wanted;
     const PathFailure& m_failed;
     QStringList m_files;
+    QMap<QString, int> m_leftOut; ///< number of files by their ending
     bool m_hasFailed = false;
 };
 
@@ -104,6 +142,9 @@ QStringList listFiles(
             folder.list(argument);
             if (folder.foundNothing()) {
                 sayRemark(argument, QStringLiteral("the folder holds no files of this kind"));
+            }
+            if (!folder.leftOut().isEmpty()) {
+                sayRemark(argument, folder.leftOut());
             }
             files += folder.files();
         } else {

@@ -5,6 +5,7 @@
 #include "lumo/core/services/progress_status_service.h"
 #include "lumo/exif/read_exif_files.h"
 #include "lumo/foundation/system_limits.h"
+#include "output.h"
 
 #include <QFileInfo>
 #include <QSet>
@@ -15,10 +16,10 @@ namespace {
 bool isImageName(const QString& name)
 {
     static const QSet<QString> extensions = {
-        "3fr", "arw",  "avif", "bmp", "cr2", "cr3",  "crw",  "dng", "erf", "exv",
-        "fff", "heic", "heif", "iiq", "j2k", "jp2",  "jpeg", "jpg", "jxl", "kdc",
-        "mef", "mos",  "mrw",  "nef", "nrw", "orf",  "pef",  "png", "raf", "raw",
-        "rw2", "rwl",  "sr2",  "srw", "tif", "tiff", "webp", "x3f"};
+        "3fr", "arw",  "avif", "bmp", "cr2", "cr3",  "crw", "dcr",  "dng",  "erf", "exv",  "fff",
+        "gpr", "heic", "heif", "hif", "iiq", "insp", "j2k", "jfif", "jp2",  "jpe", "jpeg", "jpg",
+        "jxl", "kdc",  "mef",  "mos", "mpo", "mrw",  "nef", "nrw",  "orf",  "pef", "png",  "raf",
+        "raw", "rw2",  "rwl",  "sr2", "srf", "srw",  "tif", "tiff", "webp", "x3f"};
     // On memory cards macOS keeps its own notes on a file in "._" and its name.
     return extensions.contains(QFileInfo(name).suffix().toLower()) &&
            !name.startsWith(QLatin1String("._"));
@@ -34,6 +35,9 @@ void readImages(const QStringList& arguments, const ImageRead& read, const PathF
         if (serviceProgress().shouldStop()) {
             failed(file.path, QStringLiteral("stopped before this file"));
             return false;
+        }
+        for (const QString& note : file.notes) {
+            sayRemark(file.path, note);
         }
         if (file.error.isEmpty()) {
             read(file.path, file.exif);

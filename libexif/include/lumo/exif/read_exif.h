@@ -5,13 +5,19 @@
 #include "lumo/exif/export.h"
 
 #include <QString>
+#include <QStringList>
 
 /// What image files say about the camera that took them. All functions may run
 /// in parallel; no pixel is read.
 namespace lumo::exif {
 
-/// Reads the metadata of an image file: JPEG, TIFF, DNG, IIQ and the other
-/// formats that exiv2 knows.
+/// Reads the metadata of an image file: JPEG, TIFF, DNG, IIQ, HEIC, HEIF, AVIF, CR3 and
+/// the other still pictures that exiv2 knows. Videos, sound, JPEG XL and X3F are refused by
+/// name.
+///
+/// No file takes much time or memory, whatever it contains: entries above 128 KiB are left
+/// out, and a file is refused whose directories or boxes refer to each other so that reading
+/// them would be expensive. Of a damaged file the tags before the damage are kept.
 ///
 /// A number that cannot be right (zero, negative, not finite, absurdly large)
 /// becomes 0 and control characters are dropped, each with a log warning that
@@ -56,6 +62,12 @@ namespace lumo::exif {
 ///     file cannot be opened, is no image, is damaged, or says nothing of its
 ///     camera
 [[nodiscard]] LUMO_EXIF_EXPORT bool readExif(const QString& path, ExifInfo& exif, QString& error);
+
+/// As readExif(path, exif, error), without the log warnings.
+/// \param[out] notes  on success what the warnings would report, each in one line:
+///     "read in part: <reason>" of a damaged file, "left out: <field>: <reason>; ..."
+[[nodiscard]] LUMO_EXIF_EXPORT bool readExif(
+    const QString& path, ExifInfo& exif, QStringList& notes, QString& error);
 
 /// The serial number of the camera body that took an image, or of the device that
 /// a factory calibration file is for; empty, with a log line that says why, if the

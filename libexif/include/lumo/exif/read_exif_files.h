@@ -16,7 +16,8 @@ struct FileMetadata
 {
     QString path;
     ExifInfo exif;
-    QString error; ///< empty if it was read
+    QStringList notes; ///< what was left out, or that the file is damaged; see readExif()
+    QString error;     ///< empty if it was read
 };
 
 /// Reads the metadata of many files by several threads, and hands them on in the
