@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/core/xml/conversion_error.h"
-#include "lumo/core/xml/kpx_conversion_20_21.h"
 #include "lumo/core/xml/param_converter.h"
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "xml/kpx_steps.h"
-#include "xml/kpx_stylesheet_changes.h"
 
 #include <QBuffer>
 
@@ -57,8 +55,6 @@ public:
     [[nodiscard]] bool runStep(
         const kpx::Step& step, QByteArray& document, std::vector<ConversionStepReport>* reports,
         QString& error) const;
-    [[nodiscard]] std::vector<ConversionChange> changesOf(
-        const kpx::Step& step, const IXmlConversion& conversion, const QByteArray& input) const;
     void logFailure(const QString& reason) const;
     [[nodiscard]] bool fail(const QString& reason, QString& error) const; ///< logs it
 };
@@ -127,19 +123,6 @@ void ParamConverter::Impl::backUp() const
     }
 }
 
-std::vector<ConversionChange> ParamConverter::Impl::changesOf(
-    const kpx::Step& step, const IXmlConversion& conversion, const QByteArray& input) const
-{
-    if (const auto* legacy = dynamic_cast<const KpxConversion20_21*>(&conversion)) {
-        return legacy->changes();
-    }
-    QByteArray stylesheet;
-    QString error;
-    return xml::readFile(kpx::stylesheetOf(step, version.isTemplate), stylesheet, error)
-               ? kpx::stylesheetChanges(stylesheet, input)
-               : std::vector<ConversionChange>();
-}
-
 bool ParamConverter::Impl::runStep(
     const kpx::Step& step, QByteArray& document, std::vector<ConversionStepReport>* reports,
     QString& error) const
@@ -157,7 +140,7 @@ bool ParamConverter::Impl::runStep(
         const QByteArray input = reports != nullptr ? document : QByteArray();
         document = run(*conversion, document);
         if (reports != nullptr) {
-            reports->push_back({step.label, changesOf(step, *conversion, input)});
+            reports->push_back({step.label, conversion->changesOf(input)});
         }
     } catch (const std::runtime_error& fault) {
         logFailure(QString::fromUtf8(fault.what())); // more is in the log already

@@ -19,6 +19,11 @@ QString installed(const char* pattern, int version, bool isTemplate)
         isTemplate ? QStringLiteral("template") : QStringLiteral("lumo"));
 }
 
+QString stylesheetPath(int version, bool isTemplate)
+{
+    return installed("%1/resources/xsl/%2/%3.xsl", version, isTemplate);
+}
+
 QString schemaPath(int version, bool isTemplate)
 {
     return installed("%1/resources/xsd/%2/%3.xsd", version, isTemplate);
@@ -58,11 +63,6 @@ std::vector<Step> planSteps(const FileVersion& version, int targetVersion)
     return steps;
 }
 
-QString stylesheetOf(const Step& step, bool isTemplate)
-{
-    return installed("%1/resources/xsl/%2/%3.xsl", step.from, isTemplate);
-}
-
 std::unique_ptr<IXmlConversion> createConversion(const Step& step, bool isTemplate, QString& reason)
 {
     const auto& factory = extensibleFactoryInstance<IXmlConversion>();
@@ -80,7 +80,7 @@ std::unique_ptr<IXmlConversion> createConversion(const Step& step, bool isTempla
     }
     auto conversion = factory.create("Xslt");
     conversion->setXsdFile(schemaPath(schema, isTemplate));
-    conversion->setXslFile(stylesheetOf(step, isTemplate));
+    conversion->setXslFile(stylesheetPath(step.from, isTemplate));
     return conversion;
 }
 

@@ -28,7 +28,4 @@ struct Step
 [[nodiscard]] std::unique_ptr<IXmlConversion> createConversion(
     const Step& step, bool isTemplate, QString& reason);
 
-/// The stylesheet of a step that has one.
-[[nodiscard]] QString stylesheetOf(const Step& step, bool isTemplate);
-
 } // namespace lumo::kpx

@@ -81,4 +81,9 @@ const std::vector<ConversionChange>& KpxConversion20_21::changes() const
     return m_pimpl->changes;
 }
 
+std::vector<ConversionChange> KpxConversion20_21::changesOf(const QByteArray& /*input*/) const
+{
+    return m_pimpl->changes;
+}
+
 } // namespace lumo

@@ -8,6 +8,11 @@ IXmlConversion::IXmlConversion(const IXmlConversion&) = default;
 IXmlConversion& IXmlConversion::operator=(const IXmlConversion&) = default;
 IXmlConversion::~IXmlConversion() = default;
 
+std::vector<ConversionChange> IXmlConversion::changesOf(const QByteArray& /*input*/) const
+{
+    return {};
+}
+
 template class ExtensibleFactory<IXmlConversion>;
 
 template <>

@@ -4,6 +4,7 @@
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/core/xml/conversion_error.h"
 #include "lumo/foundation/log.h"
+#include "xml/stylesheet_changes.h"
 #include "xml/xslt_engines.h"
 
 #include <QIODevice>
@@ -92,6 +93,14 @@ QByteArray XsltConverter::convert(QIODevice* input)
         throw ConversionError("Cannot transform XML using XSLT", error);
     }
     return QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n") + result;
+}
+
+std::vector<ConversionChange> XsltConverter::changesOf(const QByteArray& input) const
+{
+    QByteArray stylesheet;
+    QString unused;
+    return xml::readFile(m_xslFile, stylesheet, unused) ? xml::stylesheetChanges(stylesheet, input)
+                                                        : std::vector<ConversionChange>();
 }
 
 } // namespace lumo

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "lumo/core/xml/conversion_change.h"
 #include "lumo/core/xml/xml_conversion.h"
 
 #include <vector>
@@ -46,6 +45,8 @@ public:
 
     /// What the latest `convert` did, by line; empty before and after a failure.
     [[nodiscard]] const std::vector<ConversionChange>& changes() const;
+    /// \returns `changes`, whatever the input
+    [[nodiscard]] std::vector<ConversionChange> changesOf(const QByteArray& input) const override;
 
 private:
     class Pimpl;

@@ -2,10 +2,13 @@
 #pragma once
 
 #include "lumo/core/export.h"
+#include "lumo/core/xml/conversion_change.h"
 #include "lumo/core/xml/extensible_factory.h"
 
 #include <QByteArray>
 #include <QString>
+
+#include <vector>
 
 class QIODevice;
 
@@ -30,6 +33,11 @@ public:
     /// \returns the converted document
     /// \throws std::runtime_error if the document cannot be converted
     [[nodiscard]] virtual QByteArray convert(QIODevice* input) = 0;
+
+    /// Lists what the latest successful `convert` changed.
+    /// \param input  the document that it read
+    /// \returns none, unless the step knows its changes
+    [[nodiscard]] virtual std::vector<ConversionChange> changesOf(const QByteArray& input) const;
 };
 
 extern template class LUMO_CORE_EXPORT ExtensibleFactory<IXmlConversion>;

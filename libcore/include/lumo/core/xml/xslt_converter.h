@@ -26,6 +26,14 @@ public:
     ///     logged as a warning, too
     [[nodiscard]] QByteArray convert(QIODevice* input) override;
 
+    /// Lists the changes that the stylesheet declares and that concern the input. It
+    /// declares them below its root, by elements "change:renamed", "change:moved",
+    /// "change:rewritten" and "change:dropped" with the attributes `what` and `into`
+    /// of a ConversionChange.
+    /// \param input  must have passed xml::checkXml
+    /// \returns none if the stylesheet cannot be read
+    [[nodiscard]] std::vector<ConversionChange> changesOf(const QByteArray& input) const override;
+
 private:
     QString m_xslFile;
     QString m_xsdFile;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "xml/kpx_stylesheet_changes.h"
+#include "xml/stylesheet_changes.h"
 
 #include <QBuffer>
 #include <QStringList>
@@ -10,7 +10,7 @@
 #include <functional>
 #include <optional>
 
-namespace lumo::kpx {
+namespace lumo::xml {
 namespace {
 
 using Kind = ConversionChange::Kind;
@@ -114,4 +114,4 @@ std::vector<ConversionChange> stylesheetChanges(
     return changes;
 }
 
-} // namespace lumo::kpx
+} // namespace lumo::xml

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-namespace lumo::kpx {
+namespace lumo::xml {
 
 /// What a stylesheet does to this document, as it tells itself: by elements of the
 /// namespace prefix "change" below its root, "renamed", "moved", "rewritten" or
@@ -17,4 +17,4 @@ namespace lumo::kpx {
 [[nodiscard]] std::vector<ConversionChange> stylesheetChanges(
     const QByteArray& stylesheet, const QByteArray& document);
 
-} // namespace lumo::kpx
+} // namespace lumo::xml
