@@ -24,7 +24,7 @@ class AddCamera(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.database = pathlib.Path(folder.name) / "db.csv"
-        shipped = SOURCE / "libcore/src/cameraInfo/shipped_camera_db.csv"
+        shipped = SOURCE / "libcore/src/cameraInfo/textdb/shipped_camera_db.csv"
         self.database.write_bytes(shipped.read_bytes())
         self.before = shipped.read_text(encoding="utf-8").split("\n")
 

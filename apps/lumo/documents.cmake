@@ -1,11 +1,11 @@
 # The manual page and the completions, made from the definitions of the command line.
 
 add_executable(lumo_generate_documents
-    src/bash_completion.cpp
-    src/command_tree.cpp
-    src/generate_documents.cpp
-    src/man_page.cpp
-    src/zsh_completion.cpp)
+    src/cli/command_tree.cpp
+    src/cli/completion_bash.cpp
+    src/cli/completion_zsh.cpp
+    src/cli/generate_documents.cpp
+    src/cli/man_page.cpp)
 target_link_libraries(lumo_generate_documents PRIVATE lumo_program)
 
 set(documents ${CMAKE_CURRENT_BINARY_DIR}/documents)

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "show/output.h"
+
+#include <QStringList>
+
+/// `lumo project`: project files and processing templates.
+namespace lumo::program::project {
+
+/// The format version that this program works with.
+constexpr int kCurrentVersion = 3;
+
+struct ConvertRequest
+{
+    QStringList paths; ///< files, or folders with projects and templates
+    int target = kCurrentVersion;
+    QString output; ///< empty: in place; a folder if there are several files
+    QString backup = QStringLiteral("auto"); ///< "auto", "none" or a path
+    bool dryRun = false;
+};
+
+/// Says what versions files are of, and what a conversion would do.
+[[nodiscard]] ExitCode info(const QStringList& paths, const CommonOptions& options);
+/// Brings files to the target version.
+[[nodiscard]] ExitCode convert(const ConvertRequest& request, const CommonOptions& options);
+/// Says whether files satisfy the schema of their own format version.
+[[nodiscard]] ExitCode validate(const QStringList& paths, const CommonOptions& options);
+
+} // namespace lumo::program::project

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "show/output.h"
+
+#include <QStringList>
+
+namespace lumo::program {
+
+/// `lumo rig PATH...`: groups images into captures and says which rig took each.
+/// \param matrix  show captures against cameras, with gaps
+[[nodiscard]] ExitCode identifyRigs(
+    const QStringList& paths, bool matrix, const CommonOptions& options);
+
+/// `lumo rig --save NAME PATH...`: makes the rig of the images' metadata the user's.
+/// \param overwrite  it replaces a rig of this name
+[[nodiscard]] ExitCode saveRig(
+    const QStringList& paths, const QString& name, bool overwrite, const CommonOptions& options);
+
+} // namespace lumo::program

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "show/identification_text.h"
+
+#include "show/camera_text.h"
+#include "show/text_table.h"
+
+#include <QJsonArray>
+
+namespace lumo::program {
+namespace {
+
+/// What a claim rests on, or why it was thrown out.
+QString remark(const PixelSizeClaim& claim)
+{
+    return claim.doubt.isEmpty() ? claim.model : claim.doubt;
+}
+
+QString databaseText(const CandidateModel& candidate)
+{
+    return candidate.own ? QStringLiteral("user") : QStringLiteral("internal");
+}
+
+QString indented(const std::vector<QStringList>& rows)
+{
+    QString text;
+    for (const QString& line : formatTable(rows).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        text += QStringLiteral("  ") + line + QLatin1Char('\n');
+    }
+    return text;
+}
+
+QString shownSize(double mm)
+{
+    return mm > 0.0 ? QString::number(mm * kMicrometresPerMillimetre, 'f', 3) : QString();
+}
+
+} // namespace
+
+QJsonObject explanationJson(
+    const ImageIdentification& found, const std::vector<CandidateModel>& candidates)
+{
+    QJsonArray models;
+    for (const CandidateModel& candidate : candidates) {
+        models.append(QJsonObject{
+            {"name", candidate.name},
+            {"serialNumber", candidate.serialNumber},
+            {"database", databaseText(candidate)},
+            {"taken", candidate.taken},
+            {"rule", candidate.rule}});
+    }
+    QJsonArray evidence;
+    for (const PixelSizeClaim& claim : found.evidence) {
+        evidence.append(QJsonObject{
+            {"from", toString(claim.from)},
+            {"pixelSizeUm", shownNumber(claim.pixelSizeMm * kMicrometresPerMillimetre)},
+            {"verdict", toString(claim.verdict)},
+            {"remark", remark(claim)}});
+    }
+    return {{"candidates", models}, {"evidence", evidence}, {"mode", found.modeReason}};
+}
+
+QString explanationText(
+    const QString& file, const ImageIdentification& found,
+    const std::vector<CandidateModel>& candidates)
+{
+    const QString size = shownSize(found.camera.params.pixelSize);
+    QString text = formatTable({{file}});
+    text += indented(
+        {{"camera", found.modelName.isEmpty() ? QStringLiteral("none") : found.modelName,
+          found.source ? text::toString(*found.source) : QStringLiteral("none")},
+         {"pixel um", size.isEmpty() ? QStringLiteral("none") : size,
+          found.reason.isEmpty() ? toString(found.pixelSizeFrom) : found.reason},
+         {"mode", toString(found.mode), found.modeReason}});
+    std::vector<QStringList> rows{{"candidate", "database", "verdict", "rule"}};
+    for (const CandidateModel& candidate : candidates) {
+        QString name = candidate.name;
+        if (!candidate.serialNumber.isEmpty()) {
+            name += QStringLiteral(" (%1)").arg(candidate.serialNumber);
+        }
+        rows.push_back(
+            {name, databaseText(candidate),
+             candidate.taken ? QStringLiteral("taken") : QStringLiteral("refused"),
+             candidate.rule});
+    }
+    if (rows.size() > 1) {
+        text += indented(rows);
+    }
+    rows = {{"evidence", "pixel um", "verdict", "remark"}};
+    for (const PixelSizeClaim& claim : found.evidence) {
+        rows.push_back(
+            {toString(claim.from), shownSize(claim.pixelSizeMm), toString(claim.verdict),
+             remark(claim)});
+    }
+    if (rows.size() > 1) {
+        text += indented(rows);
+    }
+    for (const QString& disagreement : found.disagreements) {
+        text += QStringLiteral("  disagreement: ") + disagreement + QLatin1Char('\n');
+    }
+    return text + QLatin1Char('\n');
+}
+
+} // namespace lumo::program

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cameraInfo/identify/known_modes.h"
+
+#include "lumo/core/cameraInfo/camera_model_db.h"
+
+#include <algorithm>
+#include <set>
+
+namespace lumo {
+namespace {
+
+constexpr int kTokens = 5;
+
+QString folded(const QString& key)
+{
+    return key.toCaseFolded();
+}
+
+void addModes(
+    const std::multimap<QString, CameraModelFromDB>& cameras, const std::set<QString>& hidden,
+    std::map<QString, std::vector<KnownMode>>& modes)
+{
+    const QString* last = nullptr;
+    for (const auto& [name, model] : cameras) {
+        // Entries of several bodies stand beside each other.
+        if ((last != nullptr && *last == name) || hidden.contains(name)) {
+            continue;
+        }
+        last = &name;
+        const QString& identifier = model.exifId.isEmpty() ? model.params.name : model.exifId;
+        const QStringList tokens = tokenizeExifId(identifier);
+        const CameraParams& params = model.params;
+        if (tokens.size() != kTokens || params.imageWidth == 0 || params.imageHeight == 0) {
+            continue;
+        }
+        const PictureSize size{
+            std::max(params.imageWidth, params.imageHeight),
+            std::min(params.imageWidth, params.imageHeight)};
+        modes[folded(tokens[0])].push_back(
+            {name, identifier, tokens[1] + QLatin1Char('.') + tokens[2], size, params.pixelSize});
+    }
+}
+
+} // namespace
+
+KnownModes::KnownModes(const CameraModelDb& database)
+{
+    std::set<QString> own;
+    for (const auto& camera : database.userData().cameras) {
+        own.insert(camera.first);
+    }
+    addModes(database.userData().cameras, {}, m_modes);
+    addModes(database.internalData().cameras, own, m_modes);
+}
+
+std::vector<KnownMode> KnownModes::of(const ExifID& identifiers) const
+{
+    std::set<QString> keys;
+    for (const QString& identifier : {identifiers.first, identifiers.second}) {
+        keys.insert(folded(tokenizeExifId(identifier).value(0)));
+    }
+    std::vector<KnownMode> result;
+    for (const QString& key : keys) {
+        const auto found = m_modes.find(key);
+        if (found != m_modes.end()) {
+            result.insert(result.end(), found->second.begin(), found->second.end());
+        }
+    }
+    return result;
+}
+
+} // namespace lumo

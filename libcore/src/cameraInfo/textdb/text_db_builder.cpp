@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cameraInfo/textdb/text_db_builder.h"
+
+#include "lumo/core/specificSensor/vignetting_text.h"
+#include "lumo/foundation/text.h"
+
+#include <cmath>
+#include <limits>
+
+namespace lumo::cameradb::textdb {
+namespace {
+
+QString cameraText(const QString& name, const QString& serialNumber)
+{
+    return serialNumber.isEmpty()
+               ? QStringLiteral("camera '%1'").arg(name)
+               : QStringLiteral("camera '%1' with serial number '%2'").arg(name, serialNumber);
+}
+
+QString twice(const QString& what)
+{
+    return what + QStringLiteral(" stands twice");
+}
+
+/// The f-number times 100, by which vignetting models are held.
+QString vignettingKey(double fNumber, int& key)
+{
+    constexpr double kTolerance = 1e-6;
+    const double hundredfold = fNumber * 100.0;
+    const double rounded = std::round(hundredfold);
+    if (std::abs(hundredfold - rounded) > kTolerance ||
+        std::abs(rounded) > std::numeric_limits<int>::max()) {
+        return QStringLiteral("fNumber has more than two decimals or is too large");
+    }
+    key = static_cast<int>(rounded);
+    return {};
+}
+
+QString coefficientsFault(const QString& text)
+{
+    for (const QString& part : text.split(QLatin1Char(','))) {
+        bool ok = false;
+        static_cast<void>(text::fromString<double>(part, &ok));
+        if (!ok) {
+            return QStringLiteral("coefficients: '%1' is not a number").arg(part);
+        }
+    }
+    return {};
+}
+
+QString vignettingModel(const VignettingRow& row, VignettingData& model)
+{
+    const QString reason = coefficientsFault(row.coefficients);
+    if (!reason.isEmpty()) {
+        return reason;
+    }
+    model = string2vignetting(row.coefficients);
+    const auto count = static_cast<std::size_t>(model.coefficients.size());
+    const std::size_t rows = row.rowCount == 0 ? count : row.rowCount;
+    if (count % rows != 0) {
+        return QStringLiteral("%1 coefficients do not fill %2 rows").arg(count).arg(rows);
+    }
+    const Eigen::MatrixXd column = model.coefficients;
+    model.coefficients = Eigen::Map<const Eigen::MatrixXd>(
+        column.data(), static_cast<Eigen::Index>(rows), static_cast<Eigen::Index>(count / rows));
+    return {};
+}
+
+bool finite(const rig_relatives_t& pose)
+{
+    return std::isfinite(pose.rotX) && std::isfinite(pose.rotY) && std::isfinite(pose.rotZ) &&
+           std::isfinite(pose.tolRotX) && std::isfinite(pose.tolRotY) &&
+           std::isfinite(pose.tolRotZ) && pose.transl.allFinite() && pose.tolTransl.allFinite();
+}
+
+/// Not rig_relatives_t's own comparison, which is tolerant.
+bool isDefault(const rig_relatives_t& pose)
+{
+    const rig_relatives_t none;
+    return pose.rotX == none.rotX && pose.rotY == none.rotY && pose.rotZ == none.rotZ &&
+           pose.tolRotX == none.tolRotX && pose.tolRotY == none.tolRotY &&
+           pose.tolRotZ == none.tolRotZ && pose.transl == none.transl &&
+           pose.tolTransl == none.tolTransl;
+}
+
+QString rigCameraFault(const RigModelCameraAttr& attributes)
+{
+    QString reason;
+    if (!attributes.bands().valid(reason, true, true, true)) {
+        return reason;
+    }
+    return attributes.enabled() && attributes[RigKey::ExifString].isEmpty()
+               ? QStringLiteral("An enabled camera has no EXIF string")
+               : QString();
+}
+
+/// Gives a rig its cameras, in the order of their numbers.
+QString fillRig(RigModel& rig, const std::vector<RigCameraRow>& cameras)
+{
+    if (rig.refCameraIndex >= cameras.size()) {
+        return QStringLiteral("There is no reference camera %1 among %2 cameras")
+            .arg(rig.refCameraIndex)
+            .arg(cameras.size());
+    }
+    for (std::size_t i = 0; i < cameras.size(); ++i) {
+        if (i != rig.refCameraIndex) {
+            rig.secondaries.push_back({cameras[i].attributes, cameras[i].relatives});
+        } else if (isDefault(cameras[i].relatives)) {
+            rig.refCamera = cameras[i].attributes;
+        } else {
+            return QStringLiteral("The reference camera has a pose");
+        }
+    }
+    return faultOf(rig);
+}
+
+} // namespace
+
+QString faultOf(const CameraModelFromDB& model)
+{
+    QString reason;
+    if (!model.valid(reason, npos)) {
+        return reason;
+    }
+    for (const bands_t& bands : model.bandConfigs) {
+        if (!bands.valid(reason, true, true, false)) {
+            return reason;
+        }
+    }
+    return {};
+}
+
+QString faultOf(const RigModel& rig)
+{
+    if (rig.name.isEmpty()) {
+        return QStringLiteral("The rig has no name");
+    }
+    QString reason = rigCameraFault(rig.refCamera);
+    for (const auto& secondary : rig.secondaries) {
+        if (reason.isEmpty()) {
+            reason = rigCameraFault(secondary.attributes);
+        }
+        if (reason.isEmpty() && !finite(secondary.relatives)) {
+            reason = QStringLiteral("A pose is not made of numbers");
+        }
+    }
+    if (reason.isEmpty() && !rig.valid()) {
+        reason = QStringLiteral("The rig has fewer than two enabled cameras");
+    }
+    return reason;
+}
+
+QString TablesBuilder::findCamera(const QString& name, const QString& serialNumber, Camera*& camera)
+{
+    const auto found = m_cameras.find({name, serialNumber});
+    if (found == m_cameras.end()) {
+        return QStringLiteral("there is no ") + cameraText(name, serialNumber);
+    }
+    camera = &found->second;
+    return {};
+}
+
+QString TablesBuilder::findRig(const QString& name, Rig*& rig)
+{
+    const auto found = m_rigs.find(name);
+    if (found == m_rigs.end()) {
+        return QStringLiteral("there is no rig '%1'").arg(name);
+    }
+    rig = &found->second;
+    return {};
+}
+
+QString TablesBuilder::add(CameraModelFromDB& row)
+{
+    const auto [entry, isNew] = m_cameras.try_emplace({row.params.name, row.serialNumber});
+    if (!isNew) {
+        return twice(cameraText(row.params.name, row.serialNumber));
+    }
+    if (row.exifId == row.params.name) {
+        row.exifId.clear();
+    }
+    FisheyeParams& lens = row.params.fisheye;
+    lens.setP0zero(lens.p0zero);
+    lens.setAffine(lens.symmetricAffine, lens.c, lens.d, lens.e, lens.f);
+    const auto stored = m_data.cameras.emplace(row.params.name, std::move(row));
+    entry->second = {&stored->second, m_place, false};
+    return {};
+}
+
+QString TablesBuilder::add(const BandRow& row)
+{
+    Camera* camera = nullptr;
+    if (QString reason = findCamera(row.camera, row.serialNumber, camera); !reason.isEmpty()) {
+        return reason;
+    }
+    std::vector<bands_t>& configs = camera->model->bandConfigs;
+    if (!camera->ownBands) {
+        configs.clear();
+        camera->ownBands = true;
+    }
+    if (row.config > configs.size()) {
+        return QStringLiteral("config %1 without config %2").arg(row.config).arg(configs.size());
+    }
+    if (row.config == configs.size()) {
+        configs.emplace_back();
+    }
+    configs[row.config].append(row.band);
+    return {};
+}
+
+QString TablesBuilder::add(const VignettingRow& row)
+{
+    Camera* camera = nullptr;
+    int key = 0;
+    VignettingData model;
+    QString reason = findCamera(row.camera, row.serialNumber, camera);
+    if (reason.isEmpty()) {
+        reason = vignettingKey(row.fNumber, key);
+    }
+    if (reason.isEmpty()) {
+        reason = vignettingModel(row, model);
+    }
+    if (!reason.isEmpty()) {
+        return reason;
+    }
+    return camera->model->params.vignetting.emplace(key, model).second
+               ? QString()
+               : twice(QStringLiteral("fNumber of ") + cameraText(row.camera, row.serialNumber));
+}
+
+QString TablesBuilder::add(const PixelValuesRow& row)
+{
+    Camera* camera = nullptr;
+    if (QString reason = findCamera(row.camera, row.serialNumber, camera); !reason.isEmpty()) {
+        return reason;
+    }
+    return camera->model->params.pixelValues.emplace(row.type, row.range).second
+               ? QString()
+               : twice(QStringLiteral("pixelType of ") + cameraText(row.camera, row.serialNumber));
+}
+
+QString TablesBuilder::add(const MappingRow& row)
+{
+    return m_data.mappings.emplace(row.exifId, row.camera).second
+               ? QString()
+               : twice(QStringLiteral("exifId '%1'").arg(row.exifId));
+}
+
+QString TablesBuilder::add(const RigModel& row)
+{
+    return m_rigs.try_emplace(row.name, Rig{row, m_place, {}}).second
+               ? QString()
+               : twice(QStringLiteral("rig '%1'").arg(row.name));
+}
+
+QString TablesBuilder::add(const RigCameraRow& row)
+{
+    Rig* rig = nullptr;
+    QString reason = findRig(row.rig, rig);
+    if (reason.isEmpty()) {
+        rig->cameras.push_back(row);
+    }
+    return reason;
+}
+
+QString TablesBuilder::add(const RigBandRow& row)
+{
+    Rig* rig = nullptr;
+    if (QString reason = findRig(row.rig, rig); !reason.isEmpty()) {
+        return reason;
+    }
+    if (row.camera >= rig->cameras.size()) {
+        return QStringLiteral("rig '%1' has no camera %2").arg(row.rig).arg(row.camera);
+    }
+    rig->cameras[row.camera].attributes.filter().bands.append(row.band);
+    return {};
+}
+
+bool TablesBuilder::finish(csv::Fault& fault)
+{
+    for (const auto& [key, camera] : m_cameras) {
+        const QString reason = faultOf(*camera.model);
+        if (!reason.isEmpty()) {
+            fault = {
+                camera.place, cameraText(key.first, key.second) + QStringLiteral(": ") + reason};
+            return false;
+        }
+    }
+    for (auto& [name, rig] : m_rigs) {
+        const QString reason = fillRig(rig.model, rig.cameras);
+        if (!reason.isEmpty()) {
+            fault = {rig.place, QStringLiteral("rig '%1': ").arg(name) + reason};
+            return false;
+        }
+        m_data.rigs.emplace(name, std::move(rig.model));
+    }
+    return true;
+}
+
+} // namespace lumo::cameradb::textdb

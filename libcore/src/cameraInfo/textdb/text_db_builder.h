@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "cameraInfo/textdb/csv.h"
+#include "cameraInfo/textdb/text_db_tables.h"
+#include "lumo/core/cameraInfo/camera_db_data.h"
+
+#include <QString>
+
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace lumo::cameradb::textdb {
+
+/// Puts the rows of the sections together to the tables of a database.
+class TablesBuilder
+{
+public:
+    /// Where the rows stand that are added next.
+    void setPlace(const csv::Place& place) { m_place = place; }
+
+    // Each takes a row. The result is the reason why it cannot be taken; empty
+    // if it was.
+    [[nodiscard]] QString add(CameraModelFromDB& row);
+    [[nodiscard]] QString add(const BandRow& row);
+    [[nodiscard]] QString add(const VignettingRow& row);
+    [[nodiscard]] QString add(const PixelValuesRow& row);
+    [[nodiscard]] QString add(const MappingRow& row);
+    [[nodiscard]] QString add(const RigModel& row);
+    [[nodiscard]] QString add(const RigCameraRow& row);
+    [[nodiscard]] QString add(const RigBandRow& row);
+
+    /// Once all rows are added: checks each record as a whole.
+    /// \param[out] fault  the first record, by name, that is not valid
+    [[nodiscard]] bool finish(csv::Fault& fault);
+
+    /// The tables; after finish() only.
+    [[nodiscard]] CameraDBData takeData() { return std::move(m_data); }
+
+private:
+    struct Camera
+    {
+        CameraModelFromDB* model = nullptr; ///< in m_data
+        csv::Place place;
+        bool ownBands = false; ///< the bands are no longer the default ones
+    };
+
+    struct Rig
+    {
+        RigModel model; ///< without cameras until finish()
+        csv::Place place;
+        std::vector<RigCameraRow> cameras;
+    };
+
+    // The result is the reason why there is none; empty if there is one.
+    [[nodiscard]] QString findCamera(
+        const QString& name, const QString& serialNumber, Camera*& camera);
+    [[nodiscard]] QString findRig(const QString& name, Rig*& rig);
+
+    csv::Place m_place;
+    CameraDBData m_data;
+    std::map<std::pair<QString, QString>, Camera> m_cameras; ///< by name and serial number
+    std::map<QString, Rig> m_rigs;
+};
+
+/// Why the camera cannot stand in a database; empty if it can.
+[[nodiscard]] QString faultOf(const CameraModelFromDB& model);
+[[nodiscard]] QString faultOf(const RigModel& rig);
+
+} // namespace lumo::cameradb::textdb
