@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/lumo_camera_db_io.h"
 
+#include "cameraInfo/document/user_file.h"
 #include "cameraInfo/files/camera_db_current_form.h"
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
@@ -32,20 +33,6 @@ bool hasStoredHash(const CameraDbSettings& settings)
 {
     return settings.appSettings &&
            settings.appSettings->value(settings.appSettingsPathHash(), 0).toUInt() != 0;
-}
-
-bool makeWritableFolder(const QString& file)
-{
-    const QString folder = file::dirname(file);
-    if (!file::mkdir(folder)) {
-        log::important() << QStringLiteral("Cannot create folder '%1'").arg(folder);
-        return false;
-    }
-    if (file::readonly(folder)) {
-        log::important() << QStringLiteral("Folder '%1' is read-only").arg(folder);
-        return false;
-    }
-    return true;
 }
 
 /// Whether the user's tables and file may be changed; if not, the log says so.
@@ -211,46 +198,16 @@ bool CameraDbIo::loadTextDB(const QString& textFile, bool userDatabase)
 
 bool CameraDbIo::saveUserXML() const
 {
-    if (!mayChange(m_database)) {
-        return false;
-    }
-    const CameraDbSettings& settings = m_database.settings();
-    const QString path = settings.userDBLoadFileName(cameradb::kCurrentVersion);
-    if (settings.secondSettings) {
-        const QString key = cameradb::settingsPath(settings.userDbKey, cameradb::kCurrentVersion);
-        settings.secondSettings->setValue(key, settings.secondSettings->value(key, path));
-    }
-    if (settings.dataDirectory.isEmpty()) {
-        log::important() << "A data directory is required for saving the user camera database";
-        return false;
-    }
-    if (!makeWritableFolder(path)) {
-        return false;
-    }
-    TextFileIO io;
-    QString error;
-    if (!cameradb::documentText(settings.headerPairs, m_database.userData(), io.content(), error)) {
-        log::important() << path + QStringLiteral(":") << error;
-        return false;
-    }
-    return io.writeFile(path, false);
+    return mayChange(m_database) &&
+           cameradb::writeUserFile(m_database.settings(), m_database.userData());
 }
 
 bool CameraDbIo::exportXML(const QString& file, bool internalOnly, unsigned& hash) const
 {
-    if (file.isEmpty() || !makeWritableFolder(file)) {
-        return false;
-    }
-    const cameradb::CameraDBData& data =
+    const cameradb::CameraDBData& tables =
         internalOnly ? m_database.internalData() : m_database.userData();
-    TextFileIO io;
-    QString error;
-    if (!cameradb::documentText(m_database.settings().headerPairs, data, io.content(), error)) {
-        log::important() << file + QStringLiteral(":") << error;
-        return false;
-    }
-    hash = qHash(io.content(), 0);
-    return io.writeFile(file, !internalOnly);
+    return !file.isEmpty() &&
+           cameradb::writeTables(m_database.settings(), tables, file, !internalOnly, hash);
 }
 
 bool CameraDbIo::exportUserXML(const QString& file) const

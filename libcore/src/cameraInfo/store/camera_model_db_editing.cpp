@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // CameraModelDb: changing the user's camera models and mappings.
+#include "cameraInfo/document/user_file.h"
 #include "cameraInfo/tables/camera_table.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
-#include "lumo/core/cameraInfo/lumo_camera_db_io.h"
 
 namespace lumo {
 namespace {
@@ -118,7 +118,7 @@ bool CameraModelDb::setMapping(const QString& exifId, const QString& cameraName,
 
 bool CameraModelDb::saveUserDb()
 {
-    return CameraDbIo(*this).saveUserXML();
+    return cameradb::writeUserFile(m_settings, m_user);
 }
 
 } // namespace lumo

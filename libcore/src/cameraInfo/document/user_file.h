@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "lumo/core/cameraInfo/camera_db_data.h"
+#include "lumo/core/cameraInfo/camera_db_settings.h"
+
+#include <QString>
+
+namespace lumo::cameradb {
+
+/// Writes tables as a database document; its folder is made. Failures are logged.
+/// \param lock  hold a FileLock while the file is written
+/// \param[out] hash  on success that of the text, else untouched
+[[nodiscard]] bool writeTables(
+    const CameraDbSettings& settings, const CameraDBData& tables, const QString& file, bool lock,
+    unsigned& hash);
+
+/// Writes the user tables to the user file of the current version, and sets the key of
+/// that file in the second settings. Failures are logged.
+[[nodiscard]] bool writeUserFile(const CameraDbSettings& settings, const CameraDBData& userTables);
+
+} // namespace lumo::cameradb
