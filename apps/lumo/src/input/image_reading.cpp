@@ -5,7 +5,7 @@
 #include "lumo/core/services/progress_status_service.h"
 #include "lumo/exif/read_exif_files.h"
 #include "lumo/foundation/system_limits.h"
-#include "output.h"
+#include "show/output.h"
 
 #include <QFileInfo>
 #include <QSet>
