@@ -204,7 +204,8 @@ TEST_F(CameraDbFiles, AnOlderUserFileThatCannotBeCarriedForwardWaitsForTheNextSt
         {"17/ucmdb.xml", sample(17).replace("<pixelSize>0.", "<pixelSize>0,"), "", "0,0024"},
         {"18/ucmdb.xml", QByteArray(current).replace(">19</version>", ">20</version>"), "",
          "version"},
-        {"18/ucmdb.xml", "<cameraModelDB><version>19</version></cameraModelDB>", "", "not load"},
+        {"18/ucmdb.xml", "<cameraModelDB><version>19</version></cameraModelDB>", "",
+         "once converted: the camera database has no element 'cameras'"},
         {"17/ucmdb.xml", sample(17), "backup", "Unexpected folders in data-common directory"},
         {"9/ucmdb.xml", sample(16), "17", m_folder.filePath("db/17/ucmdb.xml")},
     };

@@ -33,8 +33,8 @@ TEST_F(TextFile, WhatCannotBeReadIsSaidAndNothingIsHeld)
     test::writeFile(path("empty"), "");
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("folder"));
     const std::pair<QString, QString> cases[] = {
-        {"a byte", "File '%1' is not UTF-8"},
-        {"empty", "File '%1' is empty"},
+        {"a byte", "Unable to read file '%1' it is not encoded in UTF-8"},
+        {"empty", "Unable to read file '%1' it is empty"},
         {"missing", "Unable to open file '%1' No such file or directory"},
         {"folder", "Unable to open file '%1' file to open is a directory"},
     };

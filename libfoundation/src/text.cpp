@@ -195,4 +195,9 @@ bool fromString<bool>(const QString& text, bool* ok)
     return yes;
 }
 
+QString withoutPrefix(const QString& text, const QString& prefix)
+{
+    return text.startsWith(prefix) ? text.mid(prefix.size()) : text;
+}
+
 } // namespace lumo::text

@@ -184,4 +184,25 @@ TEST_F(Camdb, AnOlderDatabaseThatCannotBeCarriedForwardWaits)
     EXPECT_TRUE(camdb({"list", "--json"}).out.contains("\"source\":\"user\""));
 }
 
+/// It satisfies the schema, which allows sections to be missing.
+TEST_F(Camdb, ABrokenDatabaseFailsForTheSameReasonEverywhere)
+{
+    const QString folder = m_folder.filePath("data/cameraDB/19");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile file(folder + "/ucmdb.xml");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<cameraModelDB><version>19</version><rigs/></cameraModelDB>");
+    file.close();
+    const QByteArray reason = "the camera database has no element 'cameras'";
+    for (const char* command : {"list", "validate", "import"}) {
+        QStringList arguments{command};
+        if (arguments[0] != "list") {
+            arguments += file.fileName();
+        }
+        const ProgramRun run = camdb(arguments);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.err.contains(reason)) << command << ": " << run.err.constData();
+    }
+}
+
 } // namespace

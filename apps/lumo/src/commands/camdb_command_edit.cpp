@@ -132,8 +132,8 @@ ExitCode import(const QString& file, bool overwrite, const CommonOptions& option
     if (!importUserDatabase(database, file, overwrite, error)) {
         return failed(file, error, options);
     }
-    if (!CameraDbIo(database).saveUserXML()) {
-        return failed(file, QStringLiteral("what was read could not be saved"), options);
+    if (!CameraDbIo(database).saveUserXML(error)) {
+        return failed(file, QStringLiteral("was read, but could not be saved: ") + error, options);
     }
     if (options.json) {
         QJsonObject record = sizesJson(database.userData());

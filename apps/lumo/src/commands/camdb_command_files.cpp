@@ -49,14 +49,13 @@ ExitCode exportTo(const QString& file, bool internal, const CommonOptions& optio
     if (!internal && !loaded) { // nothing may replace a good copy of it
         return failed(file, QStringLiteral("not written: your own database did not load"), options);
     }
+    QString error;
     if (!internal && !isTextDb(file)) {
-        return CameraDbIo(database).exportUserXML(file)
-                   ? AllDone
-                   : failed(file, QStringLiteral("could not be exported"), options);
+        return CameraDbIo(database).exportUserXML(file, error) ? AllDone
+                                                               : failed(file, error, options);
     }
     const cameradb::CameraDBData& data = internal ? database.internalData() : database.userData();
     QString text;
-    QString error;
     if (isTextDb(file)) {
         text = cameradb::writeTextDB(data);
     } else if (!cameradb::documentText(database.settings().headerPairs, data, text, error)) {
@@ -100,9 +99,12 @@ ExitCode rebuild(const CommonOptions& options)
     // First the user's own: without it the folder that the file is in may not be made.
     const bool loaded = loadDatabase(database);
     const QString file = database.settings().internalDBFileName(cameradb::kCurrentVersion);
-    if (!(loaded || file::exists(file::dirname(file))) ||
-        !CameraDbIo(database).loadAndSaveInternalTextDB(QString())) {
-        return failed(file, QStringLiteral("could not be made"), options);
+    QString error;
+    if (!loaded && !file::exists(file::dirname(file))) { // which has been printed with its reason
+        return SomethingFailed;
+    }
+    if (!CameraDbIo(database).loadAndSaveInternalTextDB(QString(), error)) {
+        return failed(file, error, options);
     }
     return loaded ? AllDone : SomethingFailed;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "show/output.h"
 
+#include "lumo/foundation/text.h"
 #include "show/progress_bar.h"
 
 #include <QJsonDocument>
@@ -17,7 +18,7 @@ void sayFailure(const QString& file, const QString& reason)
     hideProgressBar();
     // Some reasons name the file themselves.
     const QString name = file + QStringLiteral(": ");
-    const QString rest = reason.startsWith(name) ? reason.mid(name.size()) : reason;
+    const QString rest = text::withoutPrefix(reason, name);
     std::fputs((QStringLiteral("lumo: ") + name + rest + QLatin1Char('\n')).toUtf8(), stderr);
 }
 

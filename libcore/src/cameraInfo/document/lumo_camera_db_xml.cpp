@@ -143,17 +143,20 @@ void readMappings(const QDomElement& mappings, CameraDBData& data)
 }
 
 /// Reads into empty tables.
-bool read(const QDomDocument& document, bool userDatabase, CameraDBData& data)
+bool read(const QDomDocument& document, bool userDatabase, CameraDBData& data, QString& error)
 {
     const std::size_t version = documentVersion(document);
     const QDomElement root = rootOf(document);
     if (root.isNull()) {
         log::important() << "cameraModelDB tag was not found in the XML";
+        error = QStringLiteral("is no camera database: the root element is '%1', not cameraModelDB")
+                    .arg(document.documentElement().tagName());
         return false;
     }
     const QDomElement cameras = root.firstChildElement(QStringLiteral("cameras"));
     if (cameras.isNull()) {
         log::important() << "camera database does not contain cameras.";
+        error = QStringLiteral("the camera database has no element 'cameras'");
         return false;
     }
     readRigs(root.firstChildElement(QStringLiteral("rigs")), version, data);
@@ -195,18 +198,26 @@ bool getXML(
     const QDomDocument& document, bool userDatabase, bool merge, bool overwrite, CameraDBData& data,
     bool& modified)
 {
+    QString unused;
+    return getXML(document, userDatabase, merge, overwrite, data, modified, unused);
+}
+
+bool getXML(
+    const QDomDocument& document, bool userDatabase, bool merge, bool overwrite, CameraDBData& data,
+    bool& modified, QString& error)
+{
     modified = false;
     if (!userDatabase || !merge) {
         modified = !data.empty();
         data = {};
-        if (!read(document, userDatabase, data)) {
+        if (!read(document, userDatabase, data, error)) {
             return false;
         }
         modified = !data.empty();
         return true;
     }
     CameraDBData added;
-    if (!read(document, userDatabase, added)) {
+    if (!read(document, userDatabase, added, error)) {
         return false;
     }
     const bool cameras = mergeCameras(std::move(added.cameras), overwrite, data);
@@ -223,8 +234,9 @@ bool loadDocument(const QString& file, CameraDBData& data, QString& error)
     if (!xml::domFromFile(file, document, error)) {
         return false;
     }
-    if (!read(document, true, tables)) {
-        error = file + QStringLiteral(": is no camera database");
+    QString fault;
+    if (!read(document, true, tables, fault)) {
+        error = file + QStringLiteral(": ") + fault;
         return false;
     }
     data = std::move(tables);
@@ -238,23 +250,33 @@ std::size_t documentVersion(const QDomDocument& document)
 
 bool versionSupported(std::size_t version, bool userDatabase, bool allowHigher)
 {
+    QString unused;
+    return versionSupported(version, userDatabase, allowHigher, unused);
+}
+
+bool versionSupported(std::size_t version, bool userDatabase, bool allowHigher, QString& error)
+{
+    QString remark;
+    bool supported = false;
     if (version == 0 || version == npos) {
-        log::warning() << "Camera database version is unknown";
-        return false;
+        remark = QStringLiteral("Camera database version is unknown");
+    } else if (userDatabase && version > kCurrentVersion) {
+        remark = QStringLiteral("User camera database version %1 is higher than the current one %2")
+                     .arg(version)
+                     .arg(kCurrentVersion);
+        supported = allowHigher;
+    } else if (!userDatabase && version != kCurrentVersion) {
+        remark = QStringLiteral("Internal camera database version %1 is not the current one %2.")
+                     .arg(version)
+                     .arg(kCurrentVersion);
+    } else {
+        return true;
     }
-    if (userDatabase && version > kCurrentVersion) {
-        log::warning() << "User camera database version" << version
-                       << "is higher than the current one" << kCurrentVersion;
-        return allowHigher;
+    log::warning() << remark;
+    if (!supported) {
+        error = remark;
     }
-    if (!userDatabase && version != kCurrentVersion) {
-        log::warning() << QStringLiteral(
-                              "Internal camera database version %1 is not the current one %2.")
-                              .arg(version)
-                              .arg(kCurrentVersion);
-        return false;
-    }
-    return true;
+    return supported;
 }
 
 void writeXML(QXmlStreamWriter& writer, const HeaderPairs& headerPairs, const CameraDBData& data)

@@ -11,43 +11,46 @@
 namespace lumo::cameradb {
 namespace {
 
-bool makeWritableFolder(const QString& file)
+bool makeWritableFolder(const QString& file, QString& error)
 {
     const QString folder = file::dirname(file);
+    QString reason;
     if (!file::mkdir(folder)) {
-        log::important() << QStringLiteral("Cannot create folder '%1'").arg(folder);
-        return false;
+        reason = QStringLiteral("Cannot create folder '%1'").arg(folder);
+    } else if (file::readonly(folder)) {
+        reason = QStringLiteral("Folder '%1' is read-only").arg(folder);
+    } else {
+        return true;
     }
-    if (file::readonly(folder)) {
-        log::important() << QStringLiteral("Folder '%1' is read-only").arg(folder);
-        return false;
-    }
-    return true;
+    log::important() << reason;
+    error = file + QStringLiteral(": ") + reason;
+    return false;
 }
 
 } // namespace
 
 bool writeTables(
     const CameraDbSettings& settings, const CameraDBData& tables, const QString& file, bool lock,
-    unsigned& hash)
+    unsigned& hash, QString& error)
 {
-    if (!makeWritableFolder(file)) {
+    if (!makeWritableFolder(file, error)) {
         return false;
     }
     TextFileIO io;
-    QString error;
-    if (!documentText(settings.headerPairs, tables, io.content(), error)) {
-        log::important() << file + QStringLiteral(":") << error;
+    QString fault;
+    if (!documentText(settings.headerPairs, tables, io.content(), fault)) {
+        log::important() << file + QStringLiteral(":") << fault;
+        error = file + QStringLiteral(": ") + fault;
         return false;
     }
-    if (!io.writeFile(file, lock)) {
+    if (!io.writeFile(file, lock, error)) {
         return false;
     }
     hash = qHash(io.content(), 0);
     return true;
 }
 
-bool writeUserFile(const CameraDbSettings& settings, const CameraDBData& userTables)
+bool writeUserFile(const CameraDbSettings& settings, const CameraDBData& userTables, QString& error)
 {
     const QString path = settings.userDBLoadFileName(kCurrentVersion);
     if (settings.secondSettings) {
@@ -55,11 +58,12 @@ bool writeUserFile(const CameraDbSettings& settings, const CameraDBData& userTab
         settings.secondSettings->setValue(key, settings.secondSettings->value(key, path));
     }
     if (settings.dataDirectory.isEmpty()) {
-        log::important() << "A data directory is required for saving the user camera database";
+        error = QStringLiteral("A data directory is required for saving the user camera database");
+        log::important() << error;
         return false;
     }
     unsigned unusedHash = 0;
-    return writeTables(settings, userTables, path, false, unusedHash);
+    return writeTables(settings, userTables, path, false, unusedHash, error);
 }
 
 } // namespace lumo::cameradb

@@ -11,12 +11,15 @@ namespace lumo::cameradb {
 /// Writes tables as a database document; its folder is made. Failures are logged.
 /// \param lock  hold a FileLock while the file is written
 /// \param[out] hash  on success that of the text, else untouched
+/// \param[out] error  on failure "FILE: reason", else untouched
 [[nodiscard]] bool writeTables(
     const CameraDbSettings& settings, const CameraDBData& tables, const QString& file, bool lock,
-    unsigned& hash);
+    unsigned& hash, QString& error);
 
 /// Writes the user tables to the user file of the current version, and sets the key of
 /// that file in the second settings. Failures are logged.
-[[nodiscard]] bool writeUserFile(const CameraDbSettings& settings, const CameraDBData& userTables);
+/// \param[out] error  on failure "FILE: reason", or that there is no data directory
+[[nodiscard]] bool writeUserFile(
+    const CameraDbSettings& settings, const CameraDBData& userTables, QString& error);
 
 } // namespace lumo::cameradb

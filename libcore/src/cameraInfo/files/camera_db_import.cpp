@@ -7,6 +7,7 @@
 #include "lumo/core/cameraInfo/lumo_camera_db_xml.h"
 #include "lumo/core/cameraInfo/text_db.h"
 #include "lumo/foundation/file.h"
+#include "lumo/foundation/text.h"
 
 #include <QTemporaryDir>
 
@@ -52,8 +53,8 @@ bool importUserDatabase(
         error = document == file ? fault : QStringLiteral("once converted: ") + fault;
         return false;
     }
-    if (!CameraDbIo(database).addUserXML(document, overwrite)) {
-        error = QStringLiteral("cannot be read as a camera database");
+    if (!CameraDbIo(database).addUserXML(document, overwrite, fault)) {
+        error = text::withoutPrefix(fault, document + QStringLiteral(": "));
         return false;
     }
     return true;

@@ -35,27 +35,68 @@ bool hasStoredHash(const CameraDbSettings& settings)
            settings.appSettings->value(settings.appSettingsPathHash(), 0).toUInt() != 0;
 }
 
-/// Whether the user's tables and file may be changed; if not, the log says so.
-bool mayChange(const CameraModelDb& database)
+/// Whether the user's tables and file may be changed.
+bool mayChange(const CameraModelDb& database, QString& error)
 {
     if (!database.editingAllowed()) {
-        log::important()
-            << (database.enabledUserDB() ? "The user camera database is read-only"
-                                         : "The user camera database is disabled");
+        error = database.enabledUserDB() ? QStringLiteral("The user camera database is read-only")
+                                         : QStringLiteral("The user camera database is disabled");
+        log::important() << error;
     }
     return database.editingAllowed();
 }
 
 /// Puts the current form of an older document in its place.
-bool bringUpToDate(const QString& file, QDomDocument& document)
+bool bringUpToDate(const QString& file, QDomDocument& document, QString& error)
 {
     const QTemporaryDir folder;
     QString converted;
-    QString error;
+    QString reason;
     if (!cameradb::currentForm(
-            file, folder.filePath(QStringLiteral("converted.xml")), converted, error) ||
-        !xml::domFromFile(converted, document, error)) {
-        log::important() << file + QStringLiteral(":") << error;
+            file, folder.filePath(QStringLiteral("converted.xml")), converted, reason) ||
+        !xml::domFromFile(converted, document, reason)) {
+        log::important() << file + QStringLiteral(":") << reason;
+        error = file + QStringLiteral(": ") + reason;
+        return false;
+    }
+    return true;
+}
+
+/// Whether the file is to be read: it exists, its database is enabled, and the hash that
+/// it is checked with is known.
+bool isWanted(const QString& file, bool userDatabase, const CameraModelDb& database, QString& error)
+{
+    const CameraDbSettings& settings = database.settings();
+    if (!file::exists(file)) {
+        error = file + QStringLiteral(": no such file");
+    } else if (userDatabase && !database.enabledUserDB()) {
+        error = QStringLiteral("The user camera database is disabled");
+    } else if (!userDatabase && settings.checkInternalHash && !hasStoredHash(settings)) {
+        error = file + QStringLiteral(": the settings have no hash of it");
+    } else {
+        return true;
+    }
+    return false;
+}
+
+/// Parses a database file of a supported version.
+bool readDatabase(
+    const QString& file, bool userDatabase, TextFileIO& io, QDomDocument& document,
+    std::size_t& version, QString& error)
+{
+    if (!io.readFile(file, !userDatabase, error)) {
+        return false;
+    }
+    QString reason;
+    if (!xml::domFromString(io.content(), document, reason)) {
+        log::important() << file + QStringLiteral(":") << reason;
+        error = file + QStringLiteral(": ") + reason;
+        return false;
+    }
+    version = cameradb::documentVersion(document);
+    if (!cameradb::versionSupported(version, userDatabase, true, reason)) {
+        log::important() << "Invalid or not supported database version!";
+        error = file + QStringLiteral(": ") + reason;
         return false;
     }
     return true;
@@ -68,43 +109,34 @@ CameraDbIo::CameraDbIo(CameraModelDb& database)
 {}
 
 bool CameraDbIo::loadXMLPrivate(
-    const QString& file, bool userDatabase, std::size_t& version, bool merge, bool overwrite)
+    const QString& file, bool userDatabase, std::size_t& version, bool merge, bool overwrite,
+    QString& error)
 {
     const CameraDbSettings& settings = m_database.settings();
-    const bool checkHash = !userDatabase && settings.checkInternalHash;
-    if (!file::exists(file) || (userDatabase && !m_database.enabledUserDB()) ||
-        (checkHash && !hasStoredHash(settings))) {
-        return false;
-    }
     TextFileIO io;
-    if (!io.readFile(file, !userDatabase)) {
-        return false;
-    }
     QDomDocument document;
-    QString error;
-    if (!xml::domFromString(io.content(), document, error)) {
-        log::important() << file + QStringLiteral(":") << error;
+    if (!isWanted(file, userDatabase, m_database, error) ||
+        !readDatabase(file, userDatabase, io, document, version, error)) {
         return false;
     }
-    version = cameradb::documentVersion(document);
-    if (!cameradb::versionSupported(version, userDatabase, true)) {
-        log::important() << "Invalid or not supported database version!";
-        return false;
-    }
+    const bool checkHash = !userDatabase && settings.checkInternalHash;
     if (checkHash && !matchesStoredHash(settings, io.content())) {
         if (version == cameradb::kCurrentVersion) {
             log::warning() << "The original internal database has been edited manualy. It will be "
                               "restored!";
         }
+        error = file + QStringLiteral(": was changed since it was generated");
         return false;
     }
-    if (version < cameradb::kCurrentVersion && !bringUpToDate(file, document)) {
+    if (version < cameradb::kCurrentVersion && !bringUpToDate(file, document, error)) {
         return false;
     }
     cameradb::CameraDBData tables =
         userDatabase ? m_database.userData() : m_database.internalData();
     bool modified = false;
-    if (!cameradb::getXML(document, userDatabase, merge, overwrite, tables, modified)) {
+    QString reason;
+    if (!cameradb::getXML(document, userDatabase, merge, overwrite, tables, modified, reason)) {
+        error = file + QStringLiteral(": ") + reason;
         return false;
     }
     if (!userDatabase) {
@@ -117,7 +149,14 @@ bool CameraDbIo::loadXMLPrivate(
 
 bool CameraDbIo::loadXML(const QString& internalFile, const QString& userFile)
 {
+    QString unused;
+    return loadXML(internalFile, userFile, unused);
+}
+
+bool CameraDbIo::loadXML(const QString& internalFile, const QString& userFile, QString& error)
+{
     if (internalFile.isEmpty() && userFile.isEmpty()) {
+        error = QStringLiteral("no file of a camera database was named");
         return false;
     }
     if (!internalFile.isEmpty()) {
@@ -126,47 +165,57 @@ bool CameraDbIo::loadXML(const QString& internalFile, const QString& userFile)
     bool userLoaded = true;
     std::size_t version = 0;
     if (!userFile.isEmpty()) {
-        if (m_database.enabledUserDB() && !m_database.setUserData({}, cameradb::kCurrentVersion)) {
-            return false;
+        if (m_database.enabledUserDB()) { // else there is nothing to empty
+            static_cast<void>(m_database.setUserData({}, cameradb::kCurrentVersion));
         }
         QString fault;
         if (!hasDbLastestFormat(userFile, fault)) {
             log::important() << "XSD validation failed with the user camera database";
             log::debug() << userFile + QStringLiteral(":") << fault;
+            error = userFile + QStringLiteral(": ") + fault;
             return false;
         }
-        userLoaded = loadXMLPrivate(userFile, true, version, false, true);
+        userLoaded = loadXMLPrivate(userFile, true, version, false, true, error);
     }
-    if (!internalFile.isEmpty() && !loadXMLPrivate(internalFile, false, version, false, true)) {
-        return false;
-    }
-    return userLoaded;
+    return (internalFile.isEmpty() ||
+            loadXMLPrivate(internalFile, false, version, false, true, error)) &&
+           userLoaded;
 }
 
 bool CameraDbIo::addUserXML(const QString& file, bool overwrite)
 {
-    if (!mayChange(m_database)) {
-        return false;
-    }
+    QString unused;
+    return addUserXML(file, overwrite, unused);
+}
+
+bool CameraDbIo::addUserXML(const QString& file, bool overwrite, QString& error)
+{
     std::size_t version = 0;
-    return loadXMLPrivate(file, true, version, true, overwrite);
+    return mayChange(m_database, error) &&
+           loadXMLPrivate(file, true, version, true, overwrite, error);
 }
 
 bool CameraDbIo::loadAndSaveInternalTextDB(const QString& textFile)
 {
+    QString unused;
+    return loadAndSaveInternalTextDB(textFile, unused);
+}
+
+bool CameraDbIo::loadAndSaveInternalTextDB(const QString& textFile, QString& error)
+{
     const CameraDbSettings& settings = m_database.settings();
-    if (!settings.appSettings) {
-        log::important()
-            << "Application settings are required for converting camDB from CSV to XML";
-        return false;
-    }
-    if (settings.dataDirectory.isEmpty()) {
-        log::important() << "A data directory is required for converting camDB from CSV to XML";
+    if (!settings.appSettings || settings.dataDirectory.isEmpty()) {
+        error = settings.appSettings
+                    ? QStringLiteral(
+                          "A data directory is required for converting camDB from CSV to XML")
+                    : QStringLiteral(
+                          "Application settings are required for converting camDB from CSV to XML");
+        log::important() << error;
         return false;
     }
     unsigned hash = 0;
-    if (!loadTextDB(textFile, false) ||
-        !exportXML(settings.internalDBFileName(cameradb::kCurrentVersion), true, hash)) {
+    if (!loadTextDB(textFile, false, error) ||
+        !exportXML(settings.internalDBFileName(cameradb::kCurrentVersion), true, hash, error)) {
         return false;
     }
     if (!m_database.internalData().cameras.empty()) {
@@ -182,49 +231,78 @@ bool CameraDbIo::loadAndSaveInternalTextDB(const QString& textFile)
 
 bool CameraDbIo::loadTextDB(const QString& textFile, bool userDatabase)
 {
+    QString unused;
+    return loadTextDB(textFile, userDatabase, unused);
+}
+
+bool CameraDbIo::loadTextDB(const QString& textFile, bool userDatabase, QString& error)
+{
     cameradb::CameraDBData data;
-    QString error;
     if (!cameradb::loadTextDB(
             textFile.isEmpty() ? cameradb::shippedTextDBPath() : textFile, data, error)) {
         log::important() << error;
         return false;
     }
-    if (userDatabase) {
-        return m_database.setUserData(std::move(data), cameradb::kCurrentVersion);
+    if (!userDatabase) {
+        m_database.setInternalData(std::move(data));
+        return true;
     }
-    m_database.setInternalData(std::move(data));
+    if (!m_database.setUserData(std::move(data), cameradb::kCurrentVersion)) {
+        error = QStringLiteral("The user camera database is disabled");
+        return false;
+    }
     return true;
 }
 
 bool CameraDbIo::saveUserXML() const
 {
-    return mayChange(m_database) &&
-           cameradb::writeUserFile(m_database.settings(), m_database.userData());
+    QString unused;
+    return saveUserXML(unused);
 }
 
-bool CameraDbIo::exportXML(const QString& file, bool internalOnly, unsigned& hash) const
+bool CameraDbIo::saveUserXML(QString& error) const
 {
+    return mayChange(m_database, error) &&
+           cameradb::writeUserFile(m_database.settings(), m_database.userData(), error);
+}
+
+bool CameraDbIo::exportXML(
+    const QString& file, bool internalOnly, unsigned& hash, QString& error) const
+{
+    if (file.isEmpty()) {
+        error = QStringLiteral("no file was named to write the camera database to");
+        return false;
+    }
     const cameradb::CameraDBData& tables =
         internalOnly ? m_database.internalData() : m_database.userData();
-    return !file.isEmpty() &&
-           cameradb::writeTables(m_database.settings(), tables, file, !internalOnly, hash);
+    return cameradb::writeTables(m_database.settings(), tables, file, !internalOnly, hash, error);
 }
 
 bool CameraDbIo::exportUserXML(const QString& file) const
 {
+    QString unused;
+    return exportUserXML(file, unused);
+}
+
+bool CameraDbIo::exportUserXML(const QString& file, QString& error) const
+{
     unsigned hash = 0;
-    return exportXML(file, false, hash);
+    return exportXML(file, false, hash, error);
 }
 
 bool CameraDbIo::clearUserXML()
 {
-    if (!mayChange(m_database)) {
+    QString unused;
+    return clearUserXML(unused);
+}
+
+bool CameraDbIo::clearUserXML(QString& error)
+{
+    if (!mayChange(m_database, error)) {
         return false;
     }
-    if (m_database.userData().empty()) {
-        return true;
-    }
-    return m_database.setUserData({}, cameradb::kCurrentVersion) && saveUserXML();
+    return m_database.userData().empty() ||
+           (m_database.setUserData({}, cameradb::kCurrentVersion) && saveUserXML(error));
 }
 
 QString cameraDbSchemaPath()

@@ -120,8 +120,11 @@ bool CameraDbIo::convertUserFile(std::size_t version, QString& error)
         return false;
     }
     std::size_t loaded = 0;
-    if (m_database.enabledUserDB() && !loadXMLPrivate(converted, true, loaded, false, true)) {
-        error = QStringLiteral("is valid, but does not load");
+    QString reason;
+    if (m_database.enabledUserDB() &&
+        !loadXMLPrivate(converted, true, loaded, false, true, reason)) {
+        error = QStringLiteral("once converted: ") +
+                text::withoutPrefix(reason, converted + QStringLiteral(": "));
         return false;
     }
     return moveFolder(folder, target, error);
@@ -175,7 +178,7 @@ bool CameraDbIo::loadAndSavePreviousUserXML(QString& error)
         return fail(reason);
     }
     return loadXMLPrivate(
-        settings.userDBLoadFileName(cameradb::kCurrentVersion), true, version, false, true);
+        settings.userDBLoadFileName(cameradb::kCurrentVersion), true, version, false, true, error);
 }
 
 } // namespace lumo

@@ -91,13 +91,6 @@ bool loadInternal(CameraModelDb& database, CameraDbIo& io, QString& error)
     return true;
 }
 
-/// What the schema has against a user file, behind a colon; empty if nothing.
-QString formatFault(const QString& userFile)
-{
-    QString fault;
-    return hasDbLastestFormat(userFile, fault) ? QString() : QStringLiteral(": ") + fault;
-}
-
 /// Loads the user file if there is one. Saving would lose what of it is not held.
 bool loadUser(CameraDbIo& io, CameraModelDb& database, QString& error)
 {
@@ -105,10 +98,11 @@ bool loadUser(CameraDbIo& io, CameraModelDb& database, QString& error)
     if (!database.enabledUserDB() || !file::exists(file)) {
         return true;
     }
-    if (!io.loadXML(QString(), file)) {
-        error = QStringLiteral("'%1' does not load; it is left as it is, and your own cameras "
-                               "and rigs can neither be used nor changed%2")
-                    .arg(file, formatFault(file));
+    QString fault;
+    if (!io.loadXML(QString(), file, fault)) {
+        error = QStringLiteral("your own cameras and rigs can neither be used nor changed, "
+                               "because their file does not load; it is left as it is: ") +
+                fault;
     } else if (!database.userData().skipped.isEmpty()) {
         error = QStringLiteral("'%1' holds records that cannot be used: %2. It is left as it is, "
                                "and your own cameras and rigs cannot be changed until these "

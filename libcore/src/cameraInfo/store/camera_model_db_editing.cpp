@@ -118,7 +118,8 @@ bool CameraModelDb::setMapping(const QString& exifId, const QString& cameraName,
 
 bool CameraModelDb::saveUserDb()
 {
-    return cameradb::writeUserFile(m_settings, m_user);
+    QString logged;
+    return cameradb::writeUserFile(m_settings, m_user, logged);
 }
 
 } // namespace lumo

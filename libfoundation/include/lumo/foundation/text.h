@@ -48,4 +48,9 @@ LUMO_FOUNDATION_EXPORT double fromString<double>(const QString& text, bool* ok);
 template <>
 LUMO_FOUNDATION_EXPORT bool fromString<bool>(const QString& text, bool* ok);
 
+/// `text` without `prefix`, if it starts with that; else as it is. For reasons that name
+/// a file which the reader knows already.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT QString
+withoutPrefix(const QString& text, const QString& prefix);
+
 } // namespace lumo::text

@@ -13,7 +13,9 @@ struct CameraDBData;
 }
 
 /// Moves the camera database between a store and its files, as the store's
-/// settings say. The store must outlive it. Failures are logged.
+/// settings say. The store must outlive it. Failures are logged; of each function there is
+/// one that reports the reason, too, in `error` ("FILE: reason"), which is untouched on
+/// success.
 class LUMO_CORE_EXPORT CameraDbIo
 {
 public:
@@ -23,17 +25,19 @@ public:
     /// that one) in place of what the store holds of them. Tables whose load
     /// fails are left empty.
     [[nodiscard]] bool loadXML(const QString& internalFile, const QString& userFile);
+    [[nodiscard]] bool loadXML(
+        const QString& internalFile, const QString& userFile, QString& error);
 
     /// Merges a user document into the user tables; one of an older version is
     /// converted first, which needs registerXmlConverters().
     /// \param overwrite  its entries replace those of the same name
     [[nodiscard]] bool addUserXML(const QString& file, bool overwrite);
+    [[nodiscard]] bool addUserXML(const QString& file, bool overwrite, QString& error);
 
     /// Brings the newest user file of an older version to the current one, saves
     /// it there and loads it. False if there is none, or that failed; then there is
     /// no folder of the current version that was not there before.
     [[nodiscard]] bool loadAndSavePreviousUserXML();
-    /// Likewise.
     /// \param[out] error  "FILE: reason" if a user file of an older version is there
     ///     and could not be brought forward, else untouched
     [[nodiscard]] bool loadAndSavePreviousUserXML(QString& error);
@@ -42,24 +46,32 @@ public:
     /// and writes the internal file, whose hash the settings keep.
     /// Needs application settings and a data directory.
     [[nodiscard]] bool loadAndSaveInternalTextDB(const QString& textFile);
+    [[nodiscard]] bool loadAndSaveInternalTextDB(const QString& textFile, QString& error);
 
     /// Loads a text database into the user's or the internal tables, in place of
     /// what they hold.
     [[nodiscard]] bool loadTextDB(const QString& textFile, bool userDatabase);
+    [[nodiscard]] bool loadTextDB(const QString& textFile, bool userDatabase, QString& error);
 
     /// Writes the user tables to the user file of the current version.
     /// This and other changes are refused if the store does not allow editing.
     [[nodiscard]] bool saveUserXML() const;
+    [[nodiscard]] bool saveUserXML(QString& error) const;
 
+    /// Writes the user tables to `file`, whose folder is made.
     [[nodiscard]] bool exportUserXML(const QString& file) const;
+    [[nodiscard]] bool exportUserXML(const QString& file, QString& error) const;
 
     /// Empties the user tables and, if they held anything, saves.
     bool clearUserXML();
+    [[nodiscard]] bool clearUserXML(QString& error);
 
 private:
     [[nodiscard]] bool loadXMLPrivate(
-        const QString& file, bool userDatabase, std::size_t& version, bool merge, bool overwrite);
-    [[nodiscard]] bool exportXML(const QString& file, bool internalOnly, unsigned& hash) const;
+        const QString& file, bool userDatabase, std::size_t& version, bool merge, bool overwrite,
+        QString& error);
+    [[nodiscard]] bool exportXML(
+        const QString& file, bool internalOnly, unsigned& hash, QString& error) const;
     /// Makes the current user file, with its folder, of that of an older version.
     [[nodiscard]] bool convertUserFile(std::size_t version, QString& error);
 
@@ -69,10 +81,9 @@ private:
 /// The schema of the current format, below the application directory.
 [[nodiscard]] LUMO_CORE_EXPORT QString cameraDbSchemaPath();
 
-/// Whether a file satisfies the schema of the current format. Says why not in
-/// the log, at debug level.
+/// Whether a file satisfies the schema of the current format.
 [[nodiscard]] LUMO_CORE_EXPORT bool hasDbLastestFormat(const QString& file);
-/// Likewise.
+/// As hasDbLastestFormat(file), and reports why it does not.
 /// \param[out] error  if not, the first fault as "line L, column C: reason", or why
 ///     the schema or the file cannot be read; else untouched
 [[nodiscard]] LUMO_CORE_EXPORT bool hasDbLastestFormat(const QString& file, QString& error);

@@ -48,6 +48,11 @@ using HeaderPairs = std::vector<std::pair<QString, QString>>;
 [[nodiscard]] LUMO_CORE_EXPORT bool getXML(
     const QDomDocument& document, bool userDatabase, bool merge, bool overwrite, CameraDBData& data,
     bool& modified);
+/// As the function above, and reports why it failed.
+/// \param[out] error  on failure which element is missing, else untouched
+[[nodiscard]] LUMO_CORE_EXPORT bool getXML(
+    const QDomDocument& document, bool userDatabase, bool merge, bool overwrite, CameraDBData& data,
+    bool& modified, QString& error);
 
 /// Reads a document of the current version as a user database, for a look at it.
 /// \param[out] data   replaced on success, untouched on failure
@@ -64,6 +69,10 @@ using HeaderPairs = std::vector<std::pair<QString, QString>>;
 /// \param allowHigher  whether a user database may be newer than this program
 [[nodiscard]] LUMO_CORE_EXPORT bool versionSupported(
     std::size_t version, bool userDatabase, bool allowHigher);
+/// As versionSupported(version, userDatabase, allowHigher), and reports why it failed.
+/// \param[out] error  if not supported, the versions; else untouched
+[[nodiscard]] LUMO_CORE_EXPORT bool versionSupported(
+    std::size_t version, bool userDatabase, bool allowHigher, QString& error);
 
 /// Writes the element cameraModelDB. Cameras that are not valid are left out.
 /// What documentText refuses is written as it is.
