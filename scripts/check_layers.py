@@ -7,7 +7,7 @@ headers stand where they are allowed only, and the rooms of libcore and of the
 program include those that they may use only.
 
 Usage: check_layers.py SOURCE_DIR | --dot SOURCE_DIR | --selftest
---dot writes the arrows between the rooms of libcore, as the includes show them.
+--dot writes the rooms of libcore and the arrows that the includes make, for Graphviz.
 """
 
 import graphlib
@@ -249,7 +249,19 @@ def arrows_of_core(root):
 
 
 def print_dot(root):
-    for room, used in arrows_of_core(root):
+    """The rooms, framed by the folder that they share, and the arrows between them."""
+    arrows = arrows_of_core(root)
+    folders = {}
+    for room in sorted({room for arrow in arrows for room in arrow}):
+        folders.setdefault(room.split("/")[0], []).append(room)
+    for folder, rooms in folders.items():
+        if len(rooms) > 1:
+            print(f'subgraph "cluster_{folder}" {{ label="{folder}";')
+        for room in rooms:
+            print(f'"{room}" [label="{room.split("/")[-1]}"];')
+        if len(rooms) > 1:
+            print("}")
+    for room, used in arrows:
         print(f'"{room}" -> "{used}";')
 
 
