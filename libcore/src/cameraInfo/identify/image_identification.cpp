@@ -49,7 +49,7 @@ std::optional<QString> takeFromDatabase(
     if (result.camera.serialNumber.isEmpty()) {
         result.camera.serialNumber = exif.serialNumber;
     }
-    return model.exifId.isEmpty() ? model.params.name : model.exifId;
+    return model.identifier();
 }
 
 PictureSize sizeOf(const CameraParams& params)

@@ -12,11 +12,6 @@ namespace {
 
 constexpr int kTokens = 5;
 
-const QString& identifierOf(const CameraModelFromDB& model)
-{
-    return model.exifId.isEmpty() ? model.params.name : model.exifId;
-}
-
 /// How the database's rules lead from the identifiers to this name.
 QString ruleFor(const CameraModelDb& database, const ExifID& id, const QString& name)
 {
@@ -37,7 +32,7 @@ QString refusalOf(const CameraModelFromDB& model, const ExifInfo& exif)
             .arg(params.imageWidth)
             .arg(params.imageHeight);
     }
-    const QStringList own = tokenizeExifId(identifierOf(model));
+    const QStringList own = tokenizeExifId(model.identifier());
     const QStringList wanted = tokenizeExifId(exif.exifId().second);
     if (own.size() == kTokens && wanted.size() == kTokens && own.mid(1, 2) != wanted.mid(1, 2)) {
         return QStringLiteral("its focal length is %1.%2 mm").arg(own[1], own[2]);
@@ -76,7 +71,7 @@ public:
     void add(const cameradb::CameraDBData& table, bool own)
     {
         for (const auto& [name, model] : table.cameras) {
-            const QString key = tokenizeExifId(identifierOf(model)).value(0);
+            const QString key = tokenizeExifId(model.identifier()).value(0);
             if ((m_taken != nullptr && name == m_name) ||
                 m_keys.contains(key, Qt::CaseInsensitive)) {
                 m_result.push_back(judge(name, model, own));

@@ -27,7 +27,7 @@ void addModes(
             continue;
         }
         last = &name;
-        const QString& identifier = model.exifId.isEmpty() ? model.params.name : model.exifId;
+        const QString& identifier = model.identifier();
         const QStringList tokens = tokenizeExifId(identifier);
         const CameraParams& params = model.params;
         if (tokens.size() != kTokens || params.imageWidth == 0 || params.imageHeight == 0) {

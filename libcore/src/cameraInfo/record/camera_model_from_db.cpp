@@ -23,6 +23,11 @@ CameraData CameraModelFromDB::camera() const
     return result;
 }
 
+const QString& CameraModelFromDB::identifier() const
+{
+    return exifId.isEmpty() ? params.name : exifId;
+}
+
 bool CameraModelFromDB::portraitImage() const
 {
     return params.imageWidth < params.imageHeight;

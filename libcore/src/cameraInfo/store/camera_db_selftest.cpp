@@ -14,15 +14,10 @@
 namespace lumo {
 namespace {
 
-const QString& identifierOf(const CameraModelFromDB& model)
-{
-    return model.exifId.isEmpty() ? model.params.name : model.exifId;
-}
-
 /// What table of sensor sizes and identifier call a camera, without lens and size.
 QString modelKey(const CameraModelFromDB& model)
 {
-    return tokenizeExifId(identifierOf(model)).value(0).toLower();
+    return tokenizeExifId(model.identifier()).value(0).toLower();
 }
 
 enum class InTable { No, Fits, Differs };
@@ -137,7 +132,7 @@ void checkIdentifiers(const CameraModelDb& database, std::vector<DatabaseFinding
 {
     std::map<QString, QString> ownerOf;
     for (const auto& [name, model] : database.internalData().cameras) {
-        const QString& identifier = identifierOf(model);
+        const QString& identifier = model.identifier();
         CameraModelFromDB found;
         if (!database.findCameraModel(
                 database.exifId2cameraName(identifier, true), model.serialNumber, true, found,

@@ -48,8 +48,7 @@ std::int64_t heightOf(const CameraModelFromDB& model)
 
 bool hasKey(const CameraModelFromDB& model, const QString& key)
 {
-    const QString& exifId = model.exifId.isEmpty() ? model.params.name : model.exifId;
-    return text::iequals(tokenizeExifId(exifId).value(0), key);
+    return text::iequals(tokenizeExifId(model.identifier()).value(0), key);
 }
 
 std::int64_t sizeDifference(const CameraModelFromDB& model, const WantedCamera& wanted)

@@ -44,6 +44,9 @@ struct LUMO_CORE_EXPORT CameraModelFromDB
     /// An image's camera with these parameters and the default bands, not fixed.
     [[nodiscard]] CameraData camera() const;
 
+    /// The identifier of its images: `exifId`, or the name if that is empty.
+    [[nodiscard]] const QString& identifier() const;
+
     /// Higher than wide. A square image is not portrait.
     [[nodiscard]] bool portraitImage() const;
 
