@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cameraInfo/document/document_fault.h"
 
+#include "cameraInfo/rig/finite_pose.h"
 #include "lumo/cameradata/xml_values.h"
 
 #include <QRegularExpression>
@@ -104,14 +105,6 @@ void findInRigCamera(const RigModelCameraAttr& camera, FaultFinder& finder)
     finder.bands(camera.bands());
 }
 
-bool finite(const rig_relatives_t& relatives)
-{
-    return std::isfinite(relatives.rotX) && std::isfinite(relatives.rotY) &&
-           std::isfinite(relatives.rotZ) && relatives.transl.allFinite() &&
-           std::isfinite(relatives.tolRotX) && std::isfinite(relatives.tolRotY) &&
-           std::isfinite(relatives.tolRotZ) && relatives.tolTransl.allFinite();
-}
-
 void findInRig(const RigModel& rig, FaultFinder& finder)
 {
     finder.record("rig", rig.name);
@@ -120,7 +113,7 @@ void findInRig(const RigModel& rig, FaultFinder& finder)
     finder.count("reference camera's index", rig.refCameraIndex);
     for (const RigModel::Secondary& secondary : rig.secondaries) {
         findInRigCamera(secondary.attributes, finder);
-        if (!finite(secondary.relatives)) {
+        if (!isFinite(secondary.relatives)) {
             finder.fault("pose", QStringLiteral("has a number that is not finite"));
         }
     }

@@ -3,6 +3,7 @@
 
 #include "cameraInfo/document/document_fault.h"
 #include "cameraInfo/document/rig_model_xml.h"
+#include "cameraInfo/record/record_fault.h"
 #include "cameraInfo/tables/camera_table.h"
 #include "lumo/cameradata/xml_document.h"
 #include "lumo/cameradata/xml_values.h"
@@ -82,18 +83,6 @@ void readRigs(const QDomElement& rigs, std::size_t version, CameraDBData& data)
     });
 }
 
-/// Why a camera that was read is not valid.
-QString faultOf(const CameraModelFromDB& camera)
-{
-    QString fault;
-    bool valid = camera.valid(fault, npos);
-    for (auto bands = camera.bandConfigs.begin(); valid && bands != camera.bandConfigs.end();
-         ++bands) {
-        valid = bands->valid(fault, true, true, false);
-    }
-    return fault;
-}
-
 /// Holds the camera in place of the one of its name and serial number.
 /// \returns whether there was one
 bool putBody(CameraModelFromDB&& camera, CameraDBData& data)
@@ -116,8 +105,9 @@ void readCameras(
         camera.readXML(element, version);
         camera.params.source = sourceInDatabase(camera.params.source, userDatabase);
         const QString name = camera.params.name;
-        if (!camera.valid(npos, true)) {
-            skip(element, name, faultOf(camera), data);
+        QString reason;
+        if (!usable(camera, reason)) {
+            skip(element, name, reason, data);
         } else if (putBody(std::move(camera), data)) {
             skip(
                 element, name,

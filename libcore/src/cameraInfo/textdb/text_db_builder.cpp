@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cameraInfo/textdb/text_db_builder.h"
 
+#include "cameraInfo/record/record_fault.h"
+#include "cameraInfo/rig/finite_pose.h"
 #include "lumo/core/specificSensor/vignetting_text.h"
 #include "lumo/foundation/text.h"
 
@@ -66,13 +68,6 @@ QString vignettingModel(const VignettingRow& row, VignettingData& model)
     return {};
 }
 
-bool finite(const rig_relatives_t& pose)
-{
-    return std::isfinite(pose.rotX) && std::isfinite(pose.rotY) && std::isfinite(pose.rotZ) &&
-           std::isfinite(pose.tolRotX) && std::isfinite(pose.tolRotY) &&
-           std::isfinite(pose.tolRotZ) && pose.transl.allFinite() && pose.tolTransl.allFinite();
-}
-
 /// Not rig_relatives_t's own comparison, which is tolerant.
 bool isDefault(const rig_relatives_t& pose)
 {
@@ -116,20 +111,6 @@ QString fillRig(RigModel& rig, const std::vector<RigCameraRow>& cameras)
 
 } // namespace
 
-QString faultOf(const CameraModelFromDB& model)
-{
-    QString reason;
-    if (!model.valid(reason, npos)) {
-        return reason;
-    }
-    for (const bands_t& bands : model.bandConfigs) {
-        if (!bands.valid(reason, true, true, false)) {
-            return reason;
-        }
-    }
-    return {};
-}
-
 QString faultOf(const RigModel& rig)
 {
     if (rig.name.isEmpty()) {
@@ -140,7 +121,7 @@ QString faultOf(const RigModel& rig)
         if (reason.isEmpty()) {
             reason = rigCameraFault(secondary.attributes);
         }
-        if (reason.isEmpty() && !finite(secondary.relatives)) {
+        if (reason.isEmpty() && !isFinite(secondary.relatives)) {
             reason = QStringLiteral("A pose is not made of numbers");
         }
     }
@@ -279,8 +260,8 @@ QString TablesBuilder::add(const RigBandRow& row)
 bool TablesBuilder::finish(csv::Fault& fault)
 {
     for (const auto& [key, camera] : m_cameras) {
-        const QString reason = faultOf(*camera.model);
-        if (!reason.isEmpty()) {
+        QString reason;
+        if (!usable(*camera.model, reason)) {
             fault = {
                 camera.place, cameraText(key.first, key.second) + QStringLiteral(": ") + reason};
             return false;

@@ -64,8 +64,7 @@ private:
     std::map<QString, Rig> m_rigs;
 };
 
-/// Why the camera cannot stand in a database; empty if it can.
-[[nodiscard]] QString faultOf(const CameraModelFromDB& model);
+/// Why a database cannot have the rig; empty if it can.
 [[nodiscard]] QString faultOf(const RigModel& rig);
 
 } // namespace lumo::cameradb::textdb

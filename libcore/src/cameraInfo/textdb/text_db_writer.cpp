@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // writeTextDB(): from tables to rows.
+#include "cameraInfo/record/record_fault.h"
 #include "cameraInfo/textdb/csv.h"
 #include "cameraInfo/textdb/text_db_builder.h"
 #include "lumo/core/cameraInfo/text_db.h"
@@ -127,7 +128,8 @@ Rows rowsOf(const CameraDBData& data)
     Rows rows;
     std::set<std::pair<QString, QString>> cameraKeys;
     for (const auto& [name, model] : data.cameras) {
-        if (faultOf(model).isEmpty() &&
+        QString unused;
+        if (usable(model, unused) &&
             cameraKeys.emplace(model.params.name, model.serialNumber).second) {
             appendCamera(model, rows);
         }
