@@ -2,6 +2,7 @@
 // ImageIdentifier: listing the candidates and what refused them.
 #include "cameraInfo/identify/known_modes.h"
 #include "cameraInfo/identify/without_debug_lines.h"
+#include "cameraInfo/record/exif_id_parts.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/image_identification.h"
 
@@ -9,8 +10,6 @@
 
 namespace lumo {
 namespace {
-
-constexpr int kTokens = 5;
 
 /// How the database's rules lead from the identifiers to this name.
 QString ruleFor(const CameraModelDb& database, const ExifID& id, const QString& name)
@@ -32,10 +31,10 @@ QString refusalOf(const CameraModelFromDB& model, const ExifInfo& exif)
             .arg(params.imageWidth)
             .arg(params.imageHeight);
     }
-    const QStringList own = tokenizeExifId(model.identifier());
-    const QStringList wanted = tokenizeExifId(exif.exifId().second);
-    if (own.size() == kTokens && wanted.size() == kTokens && own.mid(1, 2) != wanted.mid(1, 2)) {
-        return QStringLiteral("its focal length is %1.%2 mm").arg(own[1], own[2]);
+    const std::optional<ExifIdParts> own = exifIdParts(model.identifier());
+    const std::optional<ExifIdParts> wanted = exifIdParts(exif.exifId().second);
+    if (own && wanted && own->focalLengthMm != wanted->focalLengthMm) {
+        return QStringLiteral("its focal length is %1 mm").arg(own->focalLengthMm);
     }
     return QStringLiteral("another rule goes before");
 }
@@ -64,14 +63,14 @@ public:
             m_rule = ruleFor(database, m_id, m_name);
         }
         for (const QString& identifier : {m_id.first, m_id.second}) {
-            m_keys.append(tokenizeExifId(identifier).value(0));
+            m_keys.append(exifIdKey(identifier));
         }
     }
 
     void add(const cameradb::CameraDBData& table, bool own)
     {
         for (const auto& [name, model] : table.cameras) {
-            const QString key = tokenizeExifId(model.identifier()).value(0);
+            const QString key = exifIdKey(model.identifier());
             if ((m_taken != nullptr && name == m_name) ||
                 m_keys.contains(key, Qt::CaseInsensitive)) {
                 m_result.push_back(judge(name, model, own));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cameraInfo/identify/known_modes.h"
 
+#include "cameraInfo/record/exif_id_parts.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 
 #include <algorithm>
@@ -8,8 +9,6 @@
 
 namespace lumo {
 namespace {
-
-constexpr int kTokens = 5;
 
 QString folded(const QString& key)
 {
@@ -27,17 +26,16 @@ void addModes(
             continue;
         }
         last = &name;
-        const QString& identifier = model.identifier();
-        const QStringList tokens = tokenizeExifId(identifier);
+        const std::optional<ExifIdParts> parts = exifIdParts(model.identifier());
         const CameraParams& params = model.params;
-        if (tokens.size() != kTokens || params.imageWidth == 0 || params.imageHeight == 0) {
+        if (!parts || params.imageWidth == 0 || params.imageHeight == 0) {
             continue;
         }
         const PictureSize size{
             std::max(params.imageWidth, params.imageHeight),
             std::min(params.imageWidth, params.imageHeight)};
-        modes[folded(tokens[0])].push_back(
-            {name, identifier, tokens[1] + QLatin1Char('.') + tokens[2], size, params.pixelSize});
+        modes[folded(parts->key)].push_back(
+            {name, model.identifier(), parts->focalLengthMm, size, params.pixelSize});
     }
 }
 
@@ -57,7 +55,7 @@ std::vector<KnownMode> KnownModes::of(const ExifID& identifiers) const
 {
     std::set<QString> keys;
     for (const QString& identifier : {identifiers.first, identifiers.second}) {
-        keys.insert(folded(tokenizeExifId(identifier).value(0)));
+        keys.insert(folded(exifIdKey(identifier)));
     }
     std::vector<KnownMode> result;
     for (const QString& key : keys) {

@@ -156,7 +156,6 @@ bool severalSensors(const KnownModes& modes, const ExifInfo& exif)
 
 RecordedMode modeOfModel(const KnownModes& modes, const QString& identifier)
 {
-    const QStringList tokens = tokenizeExifId(identifier);
     const std::vector<KnownMode> known = modes.of({identifier, identifier});
     for (const KnownMode& mode : known) {
         if (mode.identifier == identifier) {

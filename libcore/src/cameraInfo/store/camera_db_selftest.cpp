@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lumo/core/cameraInfo/camera_db_selftest.h"
 
+#include "cameraInfo/record/exif_id_parts.h"
 #include "lumo/cameradata/exif_info.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/core/cameraInfo/rig_filter.h"
@@ -17,7 +18,7 @@ namespace {
 /// What table of sensor sizes and identifier call a camera, without lens and size.
 QString modelKey(const CameraModelFromDB& model)
 {
-    return tokenizeExifId(model.identifier()).value(0).toLower();
+    return exifIdKey(model.identifier()).toLower();
 }
 
 enum class InTable { No, Fits, Differs };

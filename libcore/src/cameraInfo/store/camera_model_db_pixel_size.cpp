@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // CameraModelDb: estimating pixel sizes.
+#include "cameraInfo/record/exif_id_parts.h"
 #include "lumo/cameradata/exif_info.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/foundation/text.h"
@@ -22,18 +23,11 @@ struct WantedCamera
 /// Nothing if the identifier tells no image size.
 std::optional<WantedCamera> parseIdentifier(const QString& exifId)
 {
-    constexpr int kTokens = 5;
-    const QStringList tokens = tokenizeExifId(exifId);
-    if (tokens.size() != kTokens) {
+    const std::optional<ExifIdParts> parts = exifIdParts(exifId);
+    if (!parts || parts->width <= 0 || parts->height <= 0) {
         return std::nullopt;
     }
-    // A size that is no number, or none that an int holds, reads as 0.
-    const int width = text::fromString<int>(tokens[3]);
-    const int height = text::fromString<int>(tokens[4]);
-    if (width <= 0 || height <= 0) {
-        return std::nullopt;
-    }
-    return WantedCamera{tokens[0], width, height};
+    return WantedCamera{parts->key, parts->width, parts->height};
 }
 
 std::int64_t widthOf(const CameraModelFromDB& model)
@@ -48,7 +42,7 @@ std::int64_t heightOf(const CameraModelFromDB& model)
 
 bool hasKey(const CameraModelFromDB& model, const QString& key)
 {
-    return text::iequals(tokenizeExifId(model.identifier()).value(0), key);
+    return text::iequals(exifIdKey(model.identifier()), key);
 }
 
 std::int64_t sizeDifference(const CameraModelFromDB& model, const WantedCamera& wanted)
