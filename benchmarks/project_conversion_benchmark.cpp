@@ -31,7 +31,7 @@ namespace {
 
 constexpr int kImages = 100000;
 constexpr int kRuns = 3;
-constexpr int kTarget = 3;
+constexpr int kTarget = kpx::kCurrentVersion;
 
 void orFail(bool worked, const QString& error)
 {

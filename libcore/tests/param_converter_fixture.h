@@ -13,7 +13,7 @@
 
 namespace lumo {
 
-inline constexpr int kTarget = 3;
+inline constexpr int kTarget = kpx::kCurrentVersion;
 inline const QByteArray kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 inline QString sample(const QString& name)

@@ -358,7 +358,7 @@ void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
         ->check(notEmpty());
     convert->add_option("--target", arguments.project.target, "Format version to convert to")
         ->type_name("N")
-        ->transform(between(0, project::kCurrentVersion))
+        ->transform(between(0, kpx::kCurrentVersion))
         ->capture_default_str();
     convert
         ->add_option(

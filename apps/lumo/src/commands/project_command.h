@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "lumo/core/xml/param_converter.h"
 #include "show/output.h"
 
 #include <QStringList>
@@ -8,13 +9,10 @@
 /// `lumo project`: project files and processing templates.
 namespace lumo::program::project {
 
-/// The format version that this program works with.
-constexpr int kCurrentVersion = 3;
-
 struct ConvertRequest
 {
     QStringList paths; ///< files, or folders with projects and templates
-    int target = kCurrentVersion;
+    int target = kpx::kCurrentVersion;
     QString output; ///< empty: in place; a folder if there are several files
     QString backup = QStringLiteral("auto"); ///< "auto", "none" or a path
     bool dryRun = false;

@@ -48,7 +48,7 @@ bool isProjectName(const QString& name)
 
 ExitCode validateOne(const QString& file, const CommonOptions& options)
 {
-    const ParamConverter converter(file, kCurrentVersion);
+    const ParamConverter converter(file, kpx::kCurrentVersion);
     QFile input(file);
     QString error;
     bool valid = false;
@@ -121,7 +121,7 @@ ExitCode info(const QStringList& paths, const CommonOptions& options)
 {
     std::vector<QStringList> rows{{"file", "kind", "product", "format", "to be done"}};
     const ExitCode exitCode = forEachFile(paths, options, [&](const QString& file) {
-        const ParamConverter converter(file, kCurrentVersion);
+        const ParamConverter converter(file, kpx::kCurrentVersion);
         const QStringList steps = converter.plannedSteps();
         if (options.json) {
             printJsonLine(
@@ -136,10 +136,11 @@ ExitCode info(const QStringList& paths, const CommonOptions& options)
         QString toBeDone = QStringLiteral("nothing");
         if (converter.biggerVersion()) {
             toBeDone =
-                QStringLiteral("newer than %1, which this program knows").arg(kCurrentVersion);
+                QStringLiteral("newer than %1, which this program knows").arg(kpx::kCurrentVersion);
         } else if (!steps.isEmpty()) {
-            toBeDone =
-                QStringLiteral("steps to version %1: %2").arg(kCurrentVersion).arg(steps.size());
+            toBeDone = QStringLiteral("steps to version %1: %2")
+                           .arg(kpx::kCurrentVersion)
+                           .arg(steps.size());
         }
         rows.push_back(
             {file, kindOf(converter), converter.getProjectVersion(),

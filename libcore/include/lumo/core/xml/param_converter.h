@@ -14,6 +14,13 @@
 
 namespace lumo {
 
+namespace kpx {
+
+/// The newest format version of projects and templates: a target for ParamConverter.
+inline constexpr int kCurrentVersion = 3;
+
+} // namespace kpx
+
 /// What one step of a chain did.
 struct ConversionStepReport
 {
