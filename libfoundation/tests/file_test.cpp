@@ -206,6 +206,89 @@ TEST_F(FileTest, CopyThatFailsLeavesNothingAndSaysWhy)
     EXPECT_FALSE(exists(at("nothing")));
 }
 
+TEST_F(FileTest, IsSameSeesThroughLinksAndSpellings)
+{
+    ASSERT_TRUE(mkdir(at("sub")));
+    put(at("file"), "x");
+    put(at("twin"), "x");
+    ASSERT_EQ(link(QFile::encodeName(at("file")), QFile::encodeName(at("hardLink"))), 0);
+    ASSERT_TRUE(QFile::link(at("file"), at("link")) && QFile::link(at("link"), at("chain")));
+    ASSERT_TRUE(QFile::link(at("sub"), at("subLink")) && QFile::link(at("new"), at("dangling")));
+    const struct
+    {
+        const char* a;
+        const char* b;
+        bool same;
+    } cases[] = {
+        {"file", "sub/..//./file", true},
+        {"file", "chain", true},
+        {"file", "hardLink", true},
+        {"sub", "subLink", true},
+        {"file", "twin", false},
+        {"file", "new", false},
+        {"new", "file", false},
+        {"new", "other", false},
+        {"new", "sub/../new", true},
+        {"new", "dangling", true},
+        {"sub/new", "subLink/new", true},
+        {"sub/new", "new", false},
+        {"missing/a", "missing//a", true},
+        {"missing/a", "missing/b", false},
+    };
+    for (const auto& [a, b, same] : cases) {
+        EXPECT_EQ(isSame(at(a), at(b)), same) << a << ' ' << b;
+    }
+    EXPECT_TRUE(isSame(QDir::current().relativeFilePath(at("file")), at("file")));
+}
+
+TEST_F(FileTest, BackUpMakesOneBackupAndNeverReplacesAFile)
+{
+    const QByteArray content = QByteArray("0123456789").repeated(300000); // several blocks
+    put(at("file"), content, 0640);
+    const QString backup = at("a/b/backup");
+    QString error;
+    EXPECT_TRUE(mayBackUp(at("file"), backup, error));
+    EXPECT_FALSE(exists(at("a")));
+    for (int run = 0; run < 2; ++run) { // the second finds the first one's backup
+        ASSERT_TRUE(backUp(at("file"), backup, error)) << qPrintable(error);
+        EXPECT_EQ(contentOf(backup), content);
+        EXPECT_EQ(statusOf(backup).st_mode & 07777, mode_t(0640));
+        EXPECT_EQ(QDir(at("a/b")).entryList(QDir::AllEntries | QDir::Hidden).size(), 3);
+    }
+    EXPECT_TRUE(error.isEmpty());
+}
+
+TEST_F(FileTest, BackUpRefusesWhatWouldBeNone)
+{
+    const QByteArray content = QByteArray(1 << 20, 'x') + "1"; // differs in the second block
+    put(at("file"), content);
+    put(at("other"), QByteArray(content).replace('1', '2'));
+    put(at("shorter"), content.left(1 << 20));
+    ASSERT_EQ(link(QFile::encodeName(at("file")), QFile::encodeName(at("hardLink"))), 0);
+    ASSERT_TRUE(QFile::link(at("file"), at("link")) && mkdir(at("folder")));
+    const QStringList before = names();
+    const auto expectFailure = [&](const QString& path, const QString& backup,
+                                   const QString& reason) {
+        QString error;
+        EXPECT_FALSE(backUp(path, backup, error));
+        EXPECT_TRUE(error.contains(": " + reason)) << qPrintable(error);
+        EXPECT_EQ(names(), before);
+    };
+    for (const char* other : {"other", "shorter"}) {
+        expectFailure(at("file"), at(other), "another file is kept there");
+    }
+    for (const char* itself : {"file", "hardLink", "link"}) {
+        expectFailure(at("file"), at(itself), "the backup would be the file itself");
+    }
+    expectFailure(at("file"), at("folder"), "");
+    expectFailure(at("missing"), at("new"), "No such file");
+    expectFailure(at("folder"), at("new"), "not a regular file");
+    expectFailure(at("file"), at("file/sub/new"), "the folder cannot be made");
+    // A file that reads different each time, as one does that is written to meanwhile.
+    expectFailure("/proc/sys/kernel/random/uuid", at("new"), "the copy reads back different");
+    EXPECT_EQ(contentOf(at("other")).back(), '2');
+}
+
 TEST_F(FileTest, ReplaceMakesAFileAndThenReplacesItWithModeAndOwnerKept)
 {
     QString error;

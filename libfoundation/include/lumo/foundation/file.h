@@ -35,6 +35,10 @@ namespace lumo::file {
 /// Backslashes become slashes; double slashes, "." and ".." are resolved.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT QString cleanup(const QString& path);
 
+/// Whether both paths lead to one file or folder: through links (symbolic and hard),
+/// relative or absolute. Where neither exists, whether they would.
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool isSame(const QString& a, const QString& b);
+
 /// The content of a regular file or Qt resource; a pipe or a device might never end.
 /// \param maxBytes  whole MiB; what is larger is refused
 /// \param[out] content  replaced on success, untouched on failure
@@ -48,6 +52,20 @@ namespace lumo::file {
 /// \param[out] error  on failure "PATH: reason", else untouched
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool copy(
     const QString& source, const QString& target, QString& error);
+
+/// Whether backUp() would not be refused for what is at `backup`: nothing, or a file of
+/// the same content (an earlier backup). For a program to ask before it starts long work.
+/// \param[out] error  when false "PATH: reason", else untouched
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool mayBackUp(
+    const QString& path, const QString& backup, QString& error);
+
+/// Makes sure that `backup` is a file of its own with the content of `path`, so that
+/// `path` may be replaced. Copies content and mode, makes missing folders, flushes the
+/// copy to the disk, reads it back and compares it before it appears at `backup`. Never
+/// replaces a file: one of the same content counts as the backup, another is an error.
+/// \param[out] error  on failure "PATH: reason", else untouched
+[[nodiscard]] LUMO_FOUNDATION_EXPORT bool backUp(
+    const QString& path, const QString& backup, QString& error);
 
 /// Writes `content` to a path where nothing is yet, not even a dangling link: it
 /// appears there whole and flushed to the disk, or not at all.
