@@ -196,7 +196,7 @@ TEST(SystemLimits, TheProcessorsThatTheProcessIsBoundToLimit)
 {
     cpu_set_t before;
     ASSERT_EQ(sched_getaffinity(0, sizeof(before), &before), 0);
-    int first = 0;
+    std::size_t first = 0;
     while (!CPU_ISSET(first, &before)) {
         ++first;
     }

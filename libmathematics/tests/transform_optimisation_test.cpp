@@ -56,7 +56,7 @@ TEST(EstimateTransform, RecoversExactPointsOfAnySizeAndOffset)
     std::mt19937 rng(testSeed());
     for (const double size : {1e-6, 1.0, 100.0, 1e6}) {
         for (const double offset : {0.0, 5e6 * std::min(size, 1.0)}) {
-            for (const std::size_t n : {3, 4, 5, 50}) {
+            for (const std::size_t n : {3u, 4u, 5u, 50u}) {
                 SCOPED_TRACE(testing::Message() << size << " at " << offset << ", n " << n);
                 const Problem problem(rng, n, size, offset);
                 RigidTransform3D result;

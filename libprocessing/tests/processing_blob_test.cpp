@@ -76,7 +76,7 @@ TEST(ProcessingBlob, WithinAnIntervalOnlyTheFirstReportAndTheCompletionArePassed
     const Heard heard(blob);
     for (int run = 0; run < 2; ++run) {
         blob.start();
-        for (int report = 0; report <= 1000; ++report) {
+        for (unsigned report = 0; report <= 1000; ++report) {
             blob.progress(report, 1000, QString::number(report));
         }
         blob.progress(100, "still all");
