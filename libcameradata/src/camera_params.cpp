@@ -47,11 +47,6 @@ void CameraParams::setFocalLengthPixel(double pixels)
     perspective.focalLengthMm = pixel2mm(pixels);
 }
 
-std::array<double, 4> CameraParams::fisheyeAffineMm() const
-{
-    return {pixel2mm(fisheye.c), pixel2mm(fisheye.d), pixel2mm(fisheye.e), pixel2mm(fisheye.f)};
-}
-
 bool CameraParams::equalImageSize(std::size_t width, std::size_t height) const
 {
     return (imageWidth == width && imageHeight == height) ||

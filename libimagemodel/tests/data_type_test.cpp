@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "lumo/imagemodel/data_type.h"
-
 #include "lumo/imagemodel/box.h"
+#include "lumo/imagemodel/data_type.h"
 
 #include <gtest/gtest.h>
 

@@ -121,7 +121,13 @@ TEST(GaussNoiseDiagonal, PrintShowsVariancesAndTheirProduct)
     noise.finish();
     noise.print();
     EXPECT_EQ(logged.records().at(0).text, "GaussNoiseDiagonal covariance: 1 4 9 determinant: 36");
-    EXPECT_THROW(noise.setDeterminantBounds(0.0, 1.0), std::invalid_argument);
+    noise.setDeterminantBounds(2.0, 3.0);
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const auto& [minimum, maximum] : {std::pair(0.0, 1.0), {2.0, 1.0}, {1.0, infinity}}) {
+        EXPECT_THROW(noise.setDeterminantBounds(minimum, maximum), std::invalid_argument);
+    }
+    EXPECT_EQ(noise.minimumDeterminant(), 2.0);
+    EXPECT_EQ(noise.maximumDeterminant(), 3.0);
 }
 
 } // namespace

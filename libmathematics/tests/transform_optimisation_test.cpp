@@ -167,8 +167,18 @@ TEST(RigidTransform3D, SevenParametersInOrder)
     EXPECT_THROW(transform.set(Eigen::VectorXd::Zero(6)), std::invalid_argument);
     EXPECT_EQ(transform.parameters(), parameters);
     EXPECT_TRUE(transform.isFinite());
-    transform.setScale(kNaN);
-    EXPECT_FALSE(transform.isFinite());
+    for (Eigen::Index i = 0; i < parameters.size(); ++i) {
+        Eigen::VectorXd broken = parameters;
+        broken[i] = kNaN;
+        transform.set(broken);
+        EXPECT_FALSE(transform.isFinite()) << i;
+    }
+    RigidTransform3D parts;
+    parts.setRotation(rotation);
+    parts.setTranslation({4, 5, 6});
+    parts.setScale(2);
+    EXPECT_EQ(parts.parameters(), parameters);
+    EXPECT_EQ(parts, RigidTransform3D(rotation, {4, 5, 6}, 2));
 }
 
 } // namespace

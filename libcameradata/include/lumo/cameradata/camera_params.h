@@ -89,8 +89,6 @@ struct LUMO_CAMERADATA_EXPORT CameraParams
     /// The perspective focal length in pixels; 0 if the pixel size is 0.
     [[nodiscard]] double focalLengthPixel() const;
     void setFocalLengthPixel(double pixels);
-    /// The affine terms c, d, e, f of a fisheye lens in millimetres.
-    [[nodiscard]] std::array<double, 4> fisheyeAffineMm() const;
 
     /// Same image size, in either orientation.
     [[nodiscard]] bool equalImageSize(std::size_t width, std::size_t height) const;

@@ -30,7 +30,6 @@ public:
     [[nodiscard]] const QString& serialNumber() const { return m_exif.serialNumber; }
     [[nodiscard]] const bands_t& bands() const { return m_exif.bands; }
     [[nodiscard]] SpectralKind spectralKind() const { return m_spectralKind; }
-    void setSpectralKind(SpectralKind kind) { m_spectralKind = kind; }
 
     bool operator==(const InputImage&) const = default;
 
