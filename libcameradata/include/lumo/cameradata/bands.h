@@ -20,12 +20,12 @@ struct LUMO_CAMERADATA_EXPORT band_t
     QString name;
     double wavelength = 0.0; ///< centre (nm); 0 if not known
     double width = 0.0;      ///< full width at half maximum (nm); 0 if not known
-    double weight = 1.0;     ///< share of the band where bands are combined into one
+    double weight = 1.0;     ///< factor of the band when bands are combined into one
 
     /// A band that carries no image content: named "Garbage", ignoring case.
     [[nodiscard]] bool garbage() const;
 
-    /// All four fields, the name case-sensitive.
+    /// Compares all four fields exactly, the name case-sensitively.
     bool operator==(const band_t&) const = default;
 };
 
@@ -49,34 +49,37 @@ public:
 
     [[nodiscard]] QStringList names() const;
 
-    /// Same names in the same order, ignoring case and blanks.
+    /// Whether the names are the same in the same order, ignoring case and blanks.
     [[nodiscard]] bool sameNames(const bands_t& other) const;
     [[nodiscard]] bool sameNames(const QStringList& names) const;
 
-    /// Same number of bands, and their centres agree within half a nanometre.
+    /// Whether the number of bands is the same and their centres agree within 0.5 nm:
+    /// makers and metadata round wavelengths to whole nanometres.
     [[nodiscard]] bool sameCentralWaveLengths(const bands_t& other) const;
 
     [[nodiscard]] std::size_t garbageBandCount() const;
+    /// Removes the bands that carry no image content.
     void removeGarbage();
 
     /// Fills each number that is 0 from the band of the same name (ignoring
     /// case and blanks) in `other`.
     void copyData(const bands_t& other);
 
-    /// Whether copyData would change anything, or the names differ.
+    /// Whether copyData(other) would change anything, or the names differ.
     [[nodiscard]] bool needsCopyDataFrom(const bands_t& other) const;
 
-    /// \param checkBands  also look into each band: it has a name that no other
-    ///     band has (except garbage), and finite numbers, none negative
-    /// \param verbose  say why in `error`; otherwise it is left alone
-    /// \param allowEmpty  whether no band at all is valid
+    /// \param[out] error  the first fault, if there is one and `verbose` is set; else
+    ///     untouched
+    /// \param checkBands  also checks each band: a name that no other band has (garbage
+    ///     excepted), and numbers that are finite and not negative
+    /// \param allowEmpty  accepts an empty list
     [[nodiscard]] bool valid(QString& error, bool checkBands, bool verbose, bool allowEmpty) const;
 
-    /// Writes one element "band" a band into the element that is open, with the
-    /// attributes name, wavelength, width and weight (10 digits).
+    /// Writes an element "band" for each band into the open element, with the
+    /// attributes name, wavelength, width and weight (10 significant digits).
     void saveXML(QXmlStreamWriter& writer) const;
 
-    /// Takes the bands of an element that saveXML wrote into, in place of these.
+    /// Replaces these bands by those in an element that saveXML wrote into.
     void readXML(const QDomElement& element);
 
     /// Equal band by band, in order.
@@ -88,7 +91,8 @@ private:
 
 namespace band {
 
-/// Red, Green, Blue, without wavelengths: colour cameras do not publish theirs.
+/// The bands Red, Green, Blue. Without wavelengths, which makers of colour cameras do
+/// not publish.
 [[nodiscard]] LUMO_CAMERADATA_EXPORT bands_t makeRGBBands();
 
 } // namespace band

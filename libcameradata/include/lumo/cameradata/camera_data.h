@@ -11,29 +11,31 @@
 
 namespace lumo {
 
-/// Whether the offset between camera and positioning antenna is known. The
-/// number 1 is the one that files ask for.
+/// Whether the offset between camera and positioning antenna is known. Files use
+/// these numbers.
 enum class LeverArmState : int {
     None = 0,
     Known = 1,
 };
 
-/// One image's camera: its parameters and bands, and what the user has fixed.
+/// The camera of one image: its parameters and bands, and which of them the user has
+/// protected from being replaced by a camera model.
 struct LUMO_CAMERADATA_EXPORT CameraData
 {
     QString serialNumber; ///< of the camera body; empty if not known
     CameraParams params;
     bands_t bands;
-    bool fixedBands = false;             ///< the bands are the user's: no model replaces them
-    bool keepVignetting = false;         ///< a new model leaves the vignetting as it is
-    bool keepOptimisedInternals = false; ///< likewise lens and principal point
-    bool keepShutter = false;            ///< likewise the line read-out time
+    bool fixedBands = false;             ///< a camera model must not replace the bands
+    bool keepVignetting = false;         ///< a camera model must not replace the vignetting
+    bool keepOptimisedInternals = false; ///< nor lens and principal point
+    bool keepShutter = false;            ///< nor the line read-out time
     QString exifId;                      ///< identifier of the image's camera; may be empty
     int id = 0;                          ///< number of the camera within a project
     LeverArmState leverArmState = LeverArmState::None;
     std::array<double, 3> leverArm = {};          ///< x, y, z in metres, camera frame
     std::array<double, 3> leverArmPrecision = {}; ///< standard deviations, metres
 
+    /// Sets `bands` and `fixedBands`.
     void setBands(const bands_t& newBands, bool fixed);
 
     /// Equal parameters (see CameraParams::equal) and the same bands in order.
@@ -43,7 +45,7 @@ struct LUMO_CAMERADATA_EXPORT CameraData
     /// length is missing.
     [[nodiscard]] bool incomplete() const;
 
-    /// Exact equality of everything.
+    /// Compares all fields exactly.
     bool operator==(const CameraData&) const = default;
 };
 

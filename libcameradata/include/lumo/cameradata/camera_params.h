@@ -15,7 +15,7 @@
 
 namespace lumo {
 
-/// The numbers are those of the lens types in files.
+/// Kind of a lens. Files use these numbers.
 enum class LensType : int {
     Perspective = 0,
     Fisheye = 1,
@@ -37,7 +37,7 @@ struct PerspectiveParams
     double tangentialT1 = 0.0;
     double tangentialT2 = 0.0;
 
-    /// Exact equality.
+    /// Compares all fields exactly.
     bool operator==(const PerspectiveParams&) const = default;
 };
 
@@ -52,9 +52,9 @@ struct PixelValueRange
 
 /// A camera's sensor, lens, shutter and vignetting.
 ///
-/// Lengths are held in millimetres; what is asked or given in pixels is
-/// converted with `pixelSize`. Image coordinates start at the outer corner of
-/// the upper left pixel, x to the right, y down.
+/// Stores lengths in millimetres; functions that take or return pixels convert with
+/// `pixelSize`. The origin of image coordinates is the outer corner of the upper left
+/// pixel, x points right, y down.
 struct LUMO_CAMERADATA_EXPORT CameraParams
 {
     QString name;
@@ -74,13 +74,14 @@ struct LUMO_CAMERADATA_EXPORT CameraParams
     std::map<int, VignettingData> vignetting; ///< key: f-number times 100
     CameraSource source = CameraSource::Custom;
 
-    void clearData(); ///< back to a default-built value
+    /// Resets all fields to those of a default-built value.
+    void clearData();
 
     void setImageSize(std::size_t width, std::size_t height);
     void setVignettingModels(const std::map<int, VignettingData>& models);
 
     [[nodiscard]] double pixel2mm(double pixels) const { return pixels * pixelSize; }
-    /// 0 if the pixel size is 0.
+    /// A length in pixels; 0 if the pixel size is 0.
     [[nodiscard]] double mm2pixel(double mm) const;
 
     /// Principal point (x, y) in pixels; {0, 0} if the pixel size is 0.
@@ -90,25 +91,26 @@ struct LUMO_CAMERADATA_EXPORT CameraParams
     [[nodiscard]] double focalLengthPixel() const;
     void setFocalLengthPixel(double pixels);
 
-    /// Same image size, in either orientation.
+    /// Whether the image size is width x height or height x width.
     [[nodiscard]] bool equalImageSize(std::size_t width, std::size_t height) const;
 
-    /// These parameters for images that were turned clockwise by 90 degrees:
-    /// size, principal point, tangential and affine terms. Vignetting is kept
-    /// as it is: it is exact for radial models only.
+    /// The parameters of the same camera for images turned clockwise by 90 degrees.
+    /// Turns size, principal point, tangential and affine terms. Does not turn the
+    /// vignetting, so only a radial vignetting model stays exact.
     [[nodiscard]] CameraParams turned() const;
 
-    /// Whether the parameters can be used: a valid name, an image size, a pixel
-    /// size, a shutter model of 0 to 4, a lens type with what that type needs
-    /// (a focal length; an affine part that can be inverted), all numbers finite.
-    /// \param verbose  say the first reason in `error`; otherwise it is left alone
+    /// Whether the parameters can be used: they have a valid name, an image size, a
+    /// pixel size, a shutter model from 0 to 4, a lens type and its parameters (a focal
+    /// length; an affine part that can be inverted), and all numbers are finite.
+    /// \param[out] error  the first fault, if there is one and `verbose` is set; else
+    ///     untouched
     [[nodiscard]] bool valid(QString& error, bool verbose) const;
 
-    /// Same parameters at the precision with which files hold them. The source
-    /// is not compared; only the lens of the type in use is.
+    /// Whether the parameters are the same when written to a file (written_digits.h).
+    /// Compares only the lens of the type in use, and not the source.
     [[nodiscard]] bool equal(const CameraParams& other, bool withVignetting) const;
 
-    /// Exact equality of everything.
+    /// Compares all fields exactly.
     bool operator==(const CameraParams&) const = default;
 };
 

@@ -8,13 +8,14 @@
 
 namespace lumo {
 
-/// Where a camera's parameters came from. The numbers are stored and compared.
+/// Where a camera's parameters came from. Files use these numbers, and conditions
+/// compare them.
 enum class CameraSource : int {
     InternalDatabase = 0, ///< unchanged from the shipped database
-    EditedDatabase = 1,   ///< a user entry that overrides a shipped one
+    EditedDatabase = 1,   ///< a user entry that replaces a shipped one of its name
     UserDatabase = 2,     ///< a user entry without a shipped one of its name
-    Exif = 3,             ///< what the image's metadata alone yields
-    Custom = 4,           ///< changed by hand, or matching no entry
+    Exif = 3,             ///< computed from the image's metadata alone
+    Custom = 4,           ///< changed by hand, or equal to no database entry
 };
 
 namespace text {

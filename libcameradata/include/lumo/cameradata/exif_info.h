@@ -19,12 +19,12 @@ namespace lumo {
 /// the more specific one first.
 ///
 /// first:  "<model>[_<lens>]_<focal length, mm, one decimal>_<width>x<height>",
-///         such as "FC6310_8.8_5472x3648"; the larger side stands first
+///         such as "FC6310_8.8_5472x3648"; the larger side comes first
 /// second: the same without the lens
 ///
-/// A missing focal length is "0.0", a missing model is replaced by the make, and
-/// without both the identifiers are empty. In model and lens every character
-/// but letters, digits, "-", ".", "+" and blank becomes "-".
+/// A missing focal length is written "0.0". The make replaces a missing model; if both
+/// are missing, both identifiers are empty. In model and lens, "-" replaces every
+/// character except letters, digits, "-", ".", "+" and blank.
 struct ExifID
 {
     QString first;
@@ -33,7 +33,7 @@ struct ExifID
     bool operator==(const ExifID&) const = default;
 };
 
-/// Number of sensor pixels per unit of length, as the EXIF focal plane tags say.
+/// The density of the sensor's pixels according to the EXIF focal plane tags.
 struct FocalPlaneResolution
 {
     double x = 0.0; ///< pixels per millimetre along the image width
@@ -42,8 +42,8 @@ struct FocalPlaneResolution
     bool operator==(const FocalPlaneResolution&) const = default;
 };
 
-/// A term of a brightness polynomial in x and y, which run from 0 to 1 along the image
-/// width and height; the polynomial is 1 where no light is lost.
+/// One term, coefficient * x^xPower * y^yPower, of a polynomial for the brightness. x and
+/// y run from 0 to 1 along the image width and height; 1 means no loss of light.
 struct VignettingTerm
 {
     int xPower = 0;
@@ -53,8 +53,8 @@ struct VignettingTerm
     bool operator==(const VignettingTerm&) const = default;
 };
 
-/// The metadata of one image, as far as cameras are concerned. A plain record;
-/// numbers that the file does not hold, or holds as nonsense, are 0.
+/// The metadata of one image that concern its camera. A number that is missing in the
+/// file or makes no sense is 0.
 struct LUMO_CAMERADATA_EXPORT ExifInfo
 {
     QString make;
@@ -62,25 +62,25 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
     QString lensModel;
     QString serialNumber; ///< of the camera body
     double focalLengthMm = 0.0;
-    double focalLength35Mm = 0.0; ///< on a 36 mm x 24 mm frame, by the diagonal
+    double focalLength35Mm = 0.0; ///< gives the same diagonal angle on 36 mm x 24 mm
     double fNumber = 0.0;
-    double digitalZoom = 0.0; ///< as a factor; 1 or 0: none
-    /// The size the camera recorded: the EXIF size where it is larger than the
-    /// pixel array, else the pixel array.
+    double digitalZoom = 0.0; ///< a factor; 1 or 0: no zoom
+    /// The size (pixels) that the camera recorded: the EXIF size, or the size of the
+    /// pixel array if that is larger.
     std::size_t imageWidth = 0;
     std::size_t imageHeight = 0;
-    bool sizeStated = false; ///< by the metadata; else the size is that of the pixel array alone
-    /// The pixel array in the file; 0 x 0 if the file holds no picture.
+    bool sizeStated = false; ///< whether the metadata state a size
+    /// The size (pixels) of the pixel array in the file; 0 x 0 if it has none.
     std::size_t fileWidth = 0;
     std::size_t fileHeight = 0;
     std::optional<FocalPlaneResolution> focalPlane;
-    std::optional<LensCalibration> calibration; ///< if the image carries a whole one
+    std::optional<LensCalibration> calibration; ///< set only if all of it is present
     std::vector<VignettingTerm> vignetting;
     double lineReadoutTimeMs = 0.0; ///< between the starts of two lines
     bands_t bands;
-    bool bandsNamed = false; ///< by the file itself; else they follow from the number of channels
-    QDateTime dateTime;      ///< of exposure, in the camera's local time, to the millisecond
-    QString captureId;       ///< the same for all images of one capture of a rig
+    bool bandsNamed = false; ///< false: `bands` was derived from the number of channels
+    QDateTime dateTime;      ///< time of exposure (the camera's local time, ms)
+    QString captureId;       ///< equal for all images of one capture of a rig
     QString rigName;
     std::optional<int> rigCameraIndex;
     /// Rotation relative to the rig's reference camera about x, y and z (degrees).
@@ -91,17 +91,18 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
 
     [[nodiscard]] std::size_t bandCount() const { return bands.size(); }
 
-    /// Neither make, model, lens, focal length nor size.
+    /// Whether make, model, lens, focal length and size are all missing.
     [[nodiscard]] bool empty() const;
 
+    /// Computes the identifiers from make, model, lens, focal length and size.
     [[nodiscard]] ExifID exifId() const;
 
     bool operator==(const ExifInfo&) const = default;
 };
 
-/// Splits an identifier of ExifID's form, from the right, into {key, integer
-/// part and decimal part of the focal length, width, height}, where the key is
-/// "<model>[_<lens>]"; any other text is split at "_".
+/// Splits an identifier of ExifID's form into {key, integer part of the focal length,
+/// its decimal part, width, height}. The key "<model>[_<lens>]" may contain "_". Splits
+/// any other text at each "_".
 [[nodiscard]] LUMO_CAMERADATA_EXPORT QStringList tokenizeExifId(const QString& exifId);
 
 } // namespace lumo

@@ -19,20 +19,21 @@ struct LUMO_CAMERADATA_EXPORT FisheyeParams
 {
     int npoly = 4;                                          ///< degree of the polynomial, 1 to 4
     std::array<double, 5> poly = {0.0, 1.0, 0.0, 0.0, 0.0}; ///< p0 to p4
-    bool p0zero = false;                                    ///< p0 is held at zero in an adjustment
+    bool p0zero = false;                                    ///< an adjustment must keep p0 at zero
     bool symmetricAffine = true;                            ///< d = e = 0 and f = c
     double c = 0.0;                                         ///< pixels, as are d, e and f
     double d = 0.0;
     double e = 0.0;
     double f = 0.0;
 
-    /// Holding p0 at zero also sets it to zero.
+    /// Sets `p0zero`, and p0 to zero if `zero` is true.
     void setP0zero(bool zero);
 
-    /// A symmetric affine part keeps only `cPx`: d and e become 0 and f becomes c.
+    /// Sets the affine part (pixels). If it is symmetric, ignores `dPx`, `ePx` and `fPx`
+    /// and sets d = e = 0 and f = c.
     void setAffine(bool symmetric, double cPx, double dPx, double ePx, double fPx);
 
-    /// Exact equality.
+    /// Compares all fields exactly.
     bool operator==(const FisheyeParams&) const = default;
 };
 

@@ -8,24 +8,25 @@
 
 namespace lumo {
 
-/// The numbers are compared: devices of kind 1 need a radiometric calibration.
+/// What an image shows. Conditions compare the numbers: images of kind 1 need a
+/// radiometric calibration.
 enum class SpectralKind : int {
     Rgb = 0,
     Multispectral = 1,
 };
 
-/// An image file that a project takes in, with its metadata.
+/// An image file of a project with its metadata.
 class LUMO_CAMERADATA_EXPORT InputImage
 {
 public:
     InputImage() = default;
-    /// The spectral kind is Rgb if the metadata's bands are named Red, Green and
-    /// Blue or there are none, else Multispectral.
+    /// Sets the spectral kind to Rgb if the metadata's bands are Red, Green and Blue or
+    /// there are none, else to Multispectral.
     InputImage(QString path, const ExifInfo& exif);
 
     [[nodiscard]] const QString& path() const { return m_path; }
     [[nodiscard]] const ExifInfo& exif() const { return m_exif; }
-    /// Replaces the metadata; the spectral kind stays.
+    /// Replaces the metadata but keeps the spectral kind.
     void setExif(const ExifInfo& exif) { m_exif = exif; }
     [[nodiscard]] const QString& serialNumber() const { return m_exif.serialNumber; }
     [[nodiscard]] const bands_t& bands() const { return m_exif.bands; }

@@ -5,9 +5,9 @@
 
 namespace lumo {
 
-/// How VignettingData describes the fall-off. The numbers are written to files.
+/// How VignettingData describes the fall-off. Files use these numbers.
 enum class VignettingType : int {
-    None = 0,       ///< not at all
+    None = 0,       ///< no description
     Polynomial = 1, ///< see VignettingData
 };
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// The significant digits with which files hold camera parameters, and with which
-/// CameraParams::equal compares them therefore.
+/// The numbers of significant digits with which files store camera parameters.
+/// CameraParams::equal compares with the same numbers, so that parameters equal
+/// themselves after saving and loading.
 namespace lumo::writtendigits {
 
 inline constexpr int kSize = 6;        ///< pixel size and principal point

@@ -12,35 +12,35 @@
 class QDomElement;
 class QXmlStreamWriter;
 
-/// Single values in XML: as "value", which is an attribute of the element that
-/// is open, or as "tag", which is a child element with a text.
+/// Writing and reading single values in XML: a "value" is an attribute of the open
+/// element, a "tag" is a child element with a text.
 ///
-/// Numbers are in the C locale, with 'g' notation and the given number of
-/// significant digits; booleans are "true" and "false", and on reading also "1"
-/// and "0". Values stand before all tags of an element.
+/// Numbers are written in the C locale, in 'g' notation with the given number of
+/// significant digits, booleans as "true" and "false". Reading also accepts "1" and "0".
+/// Write all values of an element before its tags.
 ///
-/// Reading: what is missing is the default, in silence. A text that is not a
-/// value of the type asked for is the default too, with a warning in the log
-/// that names element and line.
+/// Reading returns the default for a value that is missing. It also returns the default
+/// for a text that is not a value of the requested type, and then logs a warning that
+/// names element and line.
 namespace lumo::xml {
 
-/// \param value  without characters that XML forbids, see invalidCharacter
+/// \param value  must not contain characters that XML forbids, see findInvalidCharacter
 LUMO_CAMERADATA_EXPORT void writeValue(
     QXmlStreamWriter& writer, const QString& name, const QString& value);
-/// \param digits  significant ones
+/// \param digits  number of significant digits
 LUMO_CAMERADATA_EXPORT void writeValue(
     QXmlStreamWriter& writer, const QString& name, double value, int digits);
 
-/// Likewise as a tag. White space at the ends of the text is kept, but a text of
-/// white space only reads back as empty.
+/// As writeValue, but writes a tag. Keeps white space at the ends of the text, but a
+/// text of white space only is empty when read back.
 LUMO_CAMERADATA_EXPORT void writeTag(
     QXmlStreamWriter& writer, const QString& name, const QString& value);
-/// \param digits  significant ones
+/// \param digits  number of significant digits
 LUMO_CAMERADATA_EXPORT void writeTag(
     QXmlStreamWriter& writer, const QString& name, double value, int digits);
 
-/// Text in the element that is open, every character as it stands: a carriage
-/// return goes out as a reference, since a parser would make it a line feed.
+/// Writes text into the open element so that every character is read back unchanged: a
+/// carriage return as a reference, since a parser would make it a line feed.
 LUMO_CAMERADATA_EXPORT void writeText(QXmlStreamWriter& writer, const QString& text);
 
 /// "true" or "false", or the decimal digits.
@@ -54,48 +54,48 @@ template <std::integral T>
     }
 }
 
-/// A whole number or a boolean.
+/// Writes a whole number or a boolean as a value.
 template <std::integral T>
 void writeValue(QXmlStreamWriter& writer, const QString& name, T value)
 {
     writeValue(writer, name, integralText(value));
 }
 
-/// Likewise as a tag.
+/// Writes a whole number or a boolean as a tag.
 template <std::integral T>
 void writeTag(QXmlStreamWriter& writer, const QString& name, T value)
 {
     writeTag(writer, name, integralText(value));
 }
 
-/// Whether there is such an attribute; for `path` see readValue.
+/// Whether the attribute that readValue would read exists.
 [[nodiscard]] LUMO_CAMERADATA_EXPORT bool hasValue(const QDomElement& element, const QString& path);
 
-/// The attribute `name` of the element, or for a path "child.name" that of its
-/// first child element of that name. T is one of the types below.
+/// Reads an attribute. The path "name" means an attribute of the element itself,
+/// "child.name" one of its first child element "child". T is one of the types below.
 template <typename T>
 [[nodiscard]] T readValue(const QDomElement& element, const QString& path, const T& defaultValue);
 
-/// The text of the first child element of this name. For a QString an element
-/// without text is an empty text, not the default.
+/// Reads the text of the first child element of this name. If T is QString, an element
+/// without text gives an empty text, not the default.
 template <typename T>
 [[nodiscard]] T readTag(const QDomElement& element, const QString& name, const T& defaultValue);
 
-/// The text of the first child element of this name.
-/// \param[out] value  untouched if there is none
+/// Reads the text of the first child element of this name.
+/// \param[out] value  untouched if there is no such element
 /// \returns whether there is one
 bool LUMO_CAMERADATA_EXPORT
 readTagText(const QDomElement& element, const QString& name, QString& value);
 
-/// Logs "line L: element NAME: text"; without the line if it is not known.
+/// Logs the warning "line L: element NAME: text", without the line if it is unknown.
 LUMO_CAMERADATA_EXPORT void warnAt(const QDomElement& element, const QString& text);
 
-/// The place of the first character that XML 1.0 (section 2.2) forbids even as a
-/// reference: most control characters, halves of surrogate pairs, U+FFFE and
-/// U+FFFF; -1 if there is none. QXmlStreamWriter would write it.
+/// Index of the first character that XML 1.0 (section 2.2) forbids even as a reference,
+/// or -1: most control characters, halves of surrogate pairs, U+FFFE and U+FFFF.
+/// QXmlStreamWriter writes such characters, which makes the whole file unreadable.
 [[nodiscard]] LUMO_CAMERADATA_EXPORT int findInvalidCharacter(const QString& text);
 
-/// That character as "U+0001"; empty if there is none.
+/// The character at findInvalidCharacter() in the form "U+0001"; empty if there is none.
 [[nodiscard]] LUMO_CAMERADATA_EXPORT QString invalidCharacter(const QString& text);
 
 #define LUMO_XML_VALUE_TYPE(T)                                                                     \

@@ -10,8 +10,8 @@
 
 namespace lumo {
 
-/// The inner geometry of a camera: which ray of the camera frame falls on
-/// which pixel. Each derived class is one lens model.
+/// The interior geometry of a camera: maps rays of the camera frame to pixels and back.
+/// Each derived class is one lens model.
 ///
 /// Camera frame: right-handed, origin in the projection centre, X right, Y
 /// down, Z forward along the optical axis. Pixel coordinates: u right, v down,
@@ -23,18 +23,18 @@ namespace lumo {
 /// with the principal point (cx, cy), where lens() is the model's own formula
 /// in pixels and the same for all points of a ray.
 ///
-/// The valid field of a lens is the set of rays around the optical axis on
-/// which its formula is one-to-one. Polynomials fold back somewhere outside
-/// the image they were fitted to; nothing beyond that is projected, and no
-/// pixel that only the fold would reach is back-projected. Inside the field
-/// project(backProject(p)) is p within 1e-9 of the image size.
+/// The valid field of a lens is the set of rays around the optical axis on which its
+/// formula is one-to-one. Outside the image that they were fitted to, polynomials turn
+/// back at some radius: rays beyond it are not projected, and pixels that only such rays
+/// reach are not back-projected. Inside the field project(backProject(p)) differs from p
+/// by less than 1e-9 of the image size.
 ///
 /// Immutable apart from assignment; const calls may run in parallel. Derived
 /// classes copy as values; through the base no copy is possible.
 class LUMO_CAMERAGEOMETRY_EXPORT AbstractCamera
 {
 public:
-    /// The numbers are those of the lens type in files and databases.
+    /// Kind of the lens. Files and databases use these numbers.
     enum class LensType : int {
         Perspective = 0, ///< PerspectiveCamera
         Fisheye = 1,     ///< FisheyeCamera

@@ -18,8 +18,8 @@ namespace lumo {
 ///     x' = x (1 + K1 r2 + K2 r2^2 + K3 r2^3) + 2 T1 x y + T2 (r2 + 2 x^2)
 ///     y' = y (1 + K1 r2 + K2 r2^2 + K3 r2^3) + T1 (r2 + 2 y^2) + 2 T2 x y
 ///
-/// All coordinates are tangents of angles, without unit. The map is used in
-/// the disc sqrt(r2) < limit() only, where it is one-to-one.
+/// All coordinates are tangents of angles, without unit. The map is used only in the
+/// disc sqrt(r2) < limit(), where it is one-to-one.
 ///
 /// A value; starts as no distortion; const calls may run in parallel.
 class LUMO_CAMERAGEOMETRY_EXPORT BrownDistortion
@@ -38,17 +38,17 @@ public:
     /// T1, T2.
     [[nodiscard]] const std::array<double, 2>& tangential() const noexcept { return m_tangential; }
 
-    /// Radius of the valid disc: infinite without distortion, else at most
-    /// 1000 (89.94 degrees off the axis). Without tangential terms it is the
-    /// first radius at which the distorted radius stops growing; with them a
-    /// bound that may leave out a rim in which the map is still one-to-one.
+    /// Radius of the valid disc: infinite without distortion, else at most 1000 (89.94
+    /// degrees off the axis). Without tangential terms, the first radius at which the
+    /// distorted radius stops growing. With them, a lower bound: the map may still be
+    /// one-to-one on a rim outside.
     [[nodiscard]] double limit() const noexcept { return m_limit; }
 
-    /// (x, y) to (x', y'); nullopt outside the disc.
+    /// Maps (x, y) to (x', y'); nullopt outside the disc.
     [[nodiscard]] std::optional<Eigen::Vector2d> distort(const Eigen::Vector2d& ideal) const;
 
-    /// (x', y') to (x, y), to rounding; nullopt if it is not the image of a
-    /// point of the disc.
+    /// Maps (x', y') to (x, y), exact to rounding; nullopt if distort() maps no point of
+    /// the disc to it.
     [[nodiscard]] std::optional<Eigen::Vector2d> undistort(const Eigen::Vector2d& distorted) const;
 
 private:

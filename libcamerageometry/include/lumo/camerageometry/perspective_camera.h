@@ -13,9 +13,8 @@
 namespace lumo {
 
 /// A central perspective lens: (u, v) = (cx, cy) + f distort(X/Z, Y/Z), Z > 0,
-/// with BrownDistortion. The derived classes say which of its terms a lens
-/// has, by their number: PerspectiveCamera0, PerspectiveCamera3 and
-/// PerspectiveCamera5.
+/// with BrownDistortion. The derived classes PerspectiveCamera0, PerspectiveCamera3 and
+/// PerspectiveCamera5 are named after the number of distortion terms that they use.
 class LUMO_CAMERAGEOMETRY_EXPORT PerspectiveCamera : public AbstractCamera
 {
 public:
@@ -26,7 +25,7 @@ public:
     [[nodiscard]] std::optional<Eigen::Vector3d> backProject(
         const Eigen::Vector2d& pixel) const override;
 
-    /// The distortion with all its terms, 0 where this lens has none.
+    /// The distortion; terms that this lens does not use are 0.
     [[nodiscard]] const BrownDistortion& distortion() const noexcept { return m_distortion; }
 
 protected:

@@ -8,15 +8,15 @@
 
 namespace lumo {
 
-/// How the cameras of a rig are told apart among the images of a project. The
-/// numbers are stored; one that is not listed here behaves as ByCameraOrder.
+/// How an image of a project is assigned to a camera of a rig. Files use these numbers;
+/// any other number behaves as ByCameraOrder.
 enum class RigCameraDetection : int {
     ByDetectionString = 0, ///< by folder or file-name prefix, in any order
     ByCameraOrder = 1,     ///< by position: the i-th image is the i-th camera's
 };
 
-/// How the poses of a rig's secondary cameras are treated in processing. The
-/// numbers are stored and compared; the processing pipeline acts on them.
+/// How processing treats the poses of a rig's secondary cameras. Files use these numbers,
+/// and conditions compare them. This library only stores the choice.
 enum class RigSecondaryProcType : int {
     Calibrate = 0,
     IndependCalRel = 1,
@@ -46,8 +46,8 @@ template <>
 [[nodiscard]] LUMO_CAMERAGEOMETRY_EXPORT RigSecondaryProcType
 fromString<RigSecondaryProcType>(const QString& text, bool* ok);
 
-/// As camera databases before version 13 write it: "optRotRelStatic" for
-/// OptRotRel, the others as toString.
+/// The text in camera databases before version 13: "optRotRelStatic" for OptRotRel, else
+/// as toString.
 [[nodiscard]] LUMO_CAMERAGEOMETRY_EXPORT QString toOldString(RigSecondaryProcType type);
 
 /// Reads the texts of toOldString, "optRot" (also OptRotRel) and those of

@@ -18,37 +18,39 @@ namespace lumo::file {
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool mkdir(const QString& path);
 
 /// Whether the file or folder exists and this process may not write to it.
-/// It is tried, not asked: rights alone do not tell for root or on a file
-/// system that is mounted read-only. What is there is not changed.
+/// Tries to open it for writing: permissions alone would be wrong for root and on a
+/// file system that is mounted read-only. Changes nothing.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool readonly(const QString& path);
 
 /// The path without its last part: "a/b.txt" -> "a", "b.txt" -> ".", "/b" -> "/".
-/// Here and in `filename` slashes at the end do not count.
+/// Ignores slashes at the end, as filename() does.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT QString dirname(const QString& path);
 
-/// The last part: "a/b.txt" -> "b.txt".
+/// The last part of the path: "a/b.txt" -> "b.txt", "a/b/" -> "b".
 [[nodiscard]] LUMO_FOUNDATION_EXPORT QString filename(const QString& path);
 
-/// "folder/name" with one slash between; the other alone if one is empty.
+/// "folder/name" with exactly one slash between; if one is empty, the other unchanged.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT QString join(const QString& folder, const QString& name);
 
-/// Backslashes become slashes; double slashes, "." and ".." are resolved.
+/// The path with backslashes turned into slashes, and double slashes, "." and ".."
+/// resolved. Does not look at the disk.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT QString cleanup(const QString& path);
 
 /// Whether both paths lead to one file or folder: through links (symbolic and hard),
 /// relative or absolute. Where neither exists, whether they would.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool isSame(const QString& a, const QString& b);
 
-/// The content of a regular file or Qt resource; a pipe or a device might never end.
-/// \param maxBytes  whole MiB; what is larger is refused
+/// Reads a regular file or a Qt resource. Refuses pipes and devices, which might never
+/// end.
+/// \param maxBytes  largest size accepted, a whole number of MiB
 /// \param[out] content  replaced on success, untouched on failure
-/// \param[out] reason  on failure why, without the path, else untouched
+/// \param[out] reason  on failure the reason without the path, else untouched
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool read(
     const QString& path, qint64 maxBytes, QByteArray& content, QString& reason);
 
-/// Copies a file's content and mode to a path where nothing is yet, not even a
-/// dangling link. The copy is flushed to the disk before it appears there;
-/// nothing does when it fails.
+/// Copies a file's content and mode to `target`, where nothing may exist, not even a
+/// dangling link. The copy appears at `target` complete and flushed to the disk; after
+/// a failure nothing appears.
 /// \param[out] error  on failure "PATH: reason", else untouched
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool copy(
     const QString& source, const QString& target, QString& error);
@@ -67,18 +69,18 @@ namespace lumo::file {
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool backUp(
     const QString& path, const QString& backup, QString& error);
 
-/// Writes `content` to a path where nothing is yet, not even a dangling link: it
-/// appears there whole and flushed to the disk, or not at all.
+/// Creates a file at `path`, where nothing may exist, not even a dangling link. The
+/// file appears complete and flushed to the disk; after a failure nothing appears.
 /// \param[out] error  on failure "PATH: reason", else untouched
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool writeNew(
     const QString& path, const QByteArray& content, QFileDevice::Permissions permissions,
     QString& error);
 
-/// Makes `content` the file at `path`, as a whole or not at all: it is written
-/// beside it, flushed to the disk and renamed. A link is followed. Mode and
-/// owner of a file that was there are kept as far as this process may set them;
-/// other names (hard links) of it keep the old content. Refuses what is not a
-/// regular file, and a file that this process may not write to.
+/// Creates the file at `path` or replaces it, completely or not at all: writes a
+/// temporary file in the same folder, flushes it to the disk and renames it. Follows
+/// symbolic links. Keeps mode and owner of the replaced file as far as this process may
+/// set them; its hard links keep the old content. Refuses what is not a regular file,
+/// and a file or folder that this process may not write to.
 /// \param[out] error  on failure "PATH: reason", else untouched
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool replaceAtomically(
     const QString& path, const QByteArray& content, QString& error);

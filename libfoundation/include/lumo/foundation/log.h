@@ -17,15 +17,15 @@
 ///
 ///     log::warning() << "Unable to open file" << path << reason;
 ///
-/// Records go to every sink that was added; without sinks they are dropped.
-/// All functions may be called from any thread; a record is never torn.
+/// Every added sink receives every record; without sinks records are dropped.
+/// All functions may be called from any thread. Records do not interleave.
 namespace lumo::log {
 
-/// The numbers are shown in the log and compared: higher is more urgent.
+/// The log shows these numbers. A higher number is more urgent.
 enum class Level : int {
     Debug = 2,     ///< diagnostic detail, such as each message of a validation
-    Info = 3,      ///< what is being done
-    Warning = 6,   ///< something is not as it should be; the work goes on
+    Info = 3,      ///< normal progress of the work
+    Warning = 6,   ///< a problem that does not stop the work
     Important = 7, ///< errors, and the steps of a conversion
 };
 
@@ -36,12 +36,12 @@ struct Record
     QString source; ///< base name of the source file, without folder and extension
     int line = 0;
     QString text;
-    bool step = false; ///< tells that a step of a conversion begins
+    bool step = false; ///< the record announces a step of a conversion
 };
 
 /// Receives records. `write` is called under the log's lock, from the thread
-/// that logs: it must return soon and must not log, add or remove sinks. An
-/// exception from it is dropped: logging never ends the work.
+/// that logs: it must return quickly and must not log, add or remove sinks. Its
+/// exceptions are ignored, so that a failing log never stops the work.
 class LUMO_FOUNDATION_EXPORT Sink
 {
 public:
@@ -52,9 +52,9 @@ public:
     virtual void write(const Record& record) = 0; ///< see the class
 };
 
-/// Collects one record and hands it to the sinks when it is destroyed, at the
-/// end of the statement. Items are separated by one blank, unless the text on
-/// either side of the joint already has white space there.
+/// Collects the items of one record and passes it to the sinks when it is destroyed,
+/// at the end of the statement. Puts one blank between two items, unless the first
+/// ends or the second begins with white space.
 class LUMO_FOUNDATION_EXPORT Streamer
 {
 public:
@@ -98,37 +98,39 @@ warning(const char* file = __builtin_FILE(), int line = __builtin_LINE());
 /// Begins a record of Level::Important.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
 important(const char* file = __builtin_FILE(), int line = __builtin_LINE());
-/// The beginning of a conversion's step: as important as an error in a log file,
-/// but nothing to trouble a person with who did not ask.
+/// Begins a record of Level::Important that announces a step of a conversion. A log
+/// file needs these as much as errors; a terminal may leave them out (makeStderrSink).
 [[nodiscard]] LUMO_FOUNDATION_EXPORT Streamer
 step(const char* file = __builtin_FILE(), int line = __builtin_LINE());
 
-/// Does nothing if the sink was added before.
+/// Adds a sink. Does nothing if it was added before.
 /// \throws std::invalid_argument if it is null
 LUMO_FOUNDATION_EXPORT void addSink(std::shared_ptr<Sink> sink);
-/// Does nothing if the sink was not added. It is not written to afterwards.
+/// Removes a sink: it receives nothing after this returns. Does nothing if it was
+/// not added.
 LUMO_FOUNDATION_EXPORT void removeSink(const std::shared_ptr<Sink>& sink);
 
 /// Writes records of `minimum` and up to the standard error stream, a line each:
 /// "[6] source:line text". Control characters in the text become blanks.
-/// \param steps  whether records of log::step are among them
+/// \param steps  whether to write the records of log::step, too
 [[nodiscard]] LUMO_FOUNDATION_EXPORT std::shared_ptr<Sink> makeStderrSink(
     Level minimum, bool steps = true);
 
 /// Appends records of `minimum` and up to `path`, with local date and time before
 /// the same line. Before the file outgrows `maxBytes` (at least 1) it is renamed,
-/// from "a.log" to "a.1.log", and at most `maxFiles` older ones are kept. A write
-/// that fails later is said on the standard error stream.
-/// \returns null, and `error` says why, if the file cannot be opened
+/// from "a.log" to "a.1.log", and at most `maxFiles` older ones are kept. Reports a
+/// write that fails later on the standard error stream.
+/// \param[out] error  on failure "PATH: reason", else untouched
+/// \returns null if the file cannot be opened
 [[nodiscard]] LUMO_FOUNDATION_EXPORT std::shared_ptr<Sink> makeRotatingFileSink(
     const QString& path, Level minimum, std::size_t maxBytes, std::size_t maxFiles, QString& error);
 
-/// Hands each record to `callback`, under the conditions of Sink::write.
+/// Passes each record to `callback`, which must obey the rules of Sink::write.
 /// \throws std::invalid_argument if it is empty
 [[nodiscard]] LUMO_FOUNDATION_EXPORT std::shared_ptr<Sink> makeCallbackSink(
     std::function<void(const Record&)> callback);
 
-/// Keeps all records that are logged while it lives; for tests.
+/// Stores all records that are logged during its lifetime; for tests.
 class LUMO_FOUNDATION_EXPORT Capture
 {
 public:

@@ -7,12 +7,12 @@
 
 namespace lumo {
 
-/// Counts the holders of something that is switched on for the first holder
-/// and off after the last, such as the suppression of power saving.
+/// Counts the users of a resource that is switched on for the first user and off
+/// after the last, such as the suppression of power saving.
 ///
-/// The count lives in a state word that the derived class keeps, so that it
-/// may outlive the manager. `acquire` and `release` may be called from any
-/// thread; the four private operations run one at a time.
+/// The derived class stores the count (readState, writeState), so that the count
+/// can outlive the manager. `acquire` and `release` may be called from any thread;
+/// the four private functions are never called by two threads at once.
 class LUMO_FOUNDATION_EXPORT ResourceManager
 {
 public:
@@ -21,10 +21,12 @@ public:
     ResourceManager& operator=(const ResourceManager&) = delete;
     virtual ~ResourceManager();
 
-    /// \throws what `onFirstAcquired` throws; there is then no new holder
+    /// Adds a user; calls `onFirstAcquired` for the first.
+    /// \throws what `onFirstAcquired` throws; no user is added then
     void acquire();
-    /// \throws std::logic_error if there is no holder
-    /// \throws what `onLastReleased` throws; the holder is gone all the same
+    /// Removes a user; calls `onLastReleased` after the last.
+    /// \throws std::logic_error if there is no user
+    /// \throws what `onLastReleased` throws; the user is removed all the same
     void release();
 
 private:
@@ -36,9 +38,9 @@ private:
     std::mutex m_mutex;
 };
 
-/// Holds a ResourceManager's resource while it lives; holders may nest. The
-/// manager must outlive it. A copy is a holder of its own. A release that fails
-/// is logged as a warning.
+/// Uses a ResourceManager's resource during its lifetime: acquires on construction,
+/// releases on destruction. Any number may exist at once, and a copy counts as one
+/// more user. The manager must outlive them all. Logs a warning if the release fails.
 class LUMO_FOUNDATION_EXPORT RecursiveResource
 {
 public:

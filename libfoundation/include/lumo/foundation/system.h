@@ -7,13 +7,13 @@
 
 namespace lumo::system {
 
-/// Logical processors that this process may use, at least 1: fewer than the machine
-/// has where the process is bound to some of them, or a control group (a container's,
-/// say) grants less. system_limits.h tells which.
+/// Logical processors that this process may use, at least 1. Less than the machine's
+/// number if the process is bound to some processors or a control group (such as a
+/// container's) grants less; cpuLimit() in system_limits.h reports the source.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT int noLogicalCPUs();
 
-/// Memory that this process may use, in GiB, at least 1: what is installed, rounded to
-/// the nearest, or what a control group grants, rounded down.
+/// Memory that this process may use, in GiB, at least 1: the installed memory rounded
+/// to the nearest GiB, or the limit of a control group rounded down.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT int installedRAMGB();
 
 /// The folder below which data files (schemas, stylesheets) are found: that of
@@ -21,8 +21,9 @@ namespace lumo::system {
 /// when none was set.
 [[nodiscard]] LUMO_FOUNDATION_EXPORT QString applicationDirectory();
 
-/// For applications that are installed elsewhere than their data, and for tests.
-/// An empty path brings back the default. To be called before threads start.
+/// Sets the folder that applicationDirectory() returns, for applications whose data
+/// files are not beside the program, and for tests. An empty path restores the
+/// default. Call it before other threads start: it is not synchronised.
 LUMO_FOUNDATION_EXPORT void setApplicationDirectory(const QString& directory);
 
 } // namespace lumo::system

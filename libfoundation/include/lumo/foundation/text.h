@@ -7,29 +7,29 @@
 
 namespace lumo::text {
 
-/// Same text, ignoring case. Case is folded as Unicode says, in no locale.
+/// Whether the texts are equal ignoring case (Unicode case folding, no locale).
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool iequals(const QString& a, const QString& b);
 
-/// Order for lists that a person reads: digits count as numbers ("17" after
-/// "9"), letters come after digits, otherwise as the user's locale says; in
-/// the C locale by code. A thread keeps to the default locale of its first call.
-/// \returns negative, 0 or positive, as a is before, equal to or after b; 0 for
-///          identical texts only, so that lists have one order
+/// Order for lists that a person reads: compares digits as numbers ("17" after "9"),
+/// puts letters after digits, and otherwise follows the user's locale (in the C
+/// locale, character codes). A thread keeps the default locale of its first call.
+/// \returns negative if a comes before b, positive if after; 0 for identical texts
+///          only, so that a list has exactly one order
 [[nodiscard]] LUMO_FOUNDATION_EXPORT int localeAwareCompare(const QString& a, const QString& b);
 
-/// Compares dotted versions number by number; missing numbers count as 0, so
-/// "2.1" equals "2.1.0". Text after a number's digits is ignored.
-/// \returns negative, 0 or positive
+/// Compares dotted versions number by number. Missing numbers count as 0, so "2.1"
+/// equals "2.1.0". Ignores text after a number's digits.
+/// \returns negative, 0 or positive if a is smaller than, equal to or greater than b
 [[nodiscard]] LUMO_FOUNDATION_EXPORT int compareVersions(const QString& a, const QString& b);
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool versionSmallerThan(const QString& a, const QString& b);
 [[nodiscard]] LUMO_FOUNDATION_EXPORT bool versionGreaterThan(const QString& a, const QString& b);
 
-/// The value that `text` stands for, in the C locale; white space around it is
-/// ignored. T{} when the text is not a value of T, or one too large or too
-/// small for it; `ok`, if given, is then false, else true. The whole text must
-/// be the number; "nan" and "inf" are none. Provided for int, unsigned, size_t,
-/// long long, float, double and bool ("true", "false", "1", "0"); other
-/// libraries add specialisations for their enumerations.
+/// Parses the whole text as a value of T, in the C locale, ignoring white space around
+/// it. Provided for int, unsigned, size_t, long long, float, double ("nan" and "inf"
+/// are refused) and bool ("true", "false", "1", "0"); other libraries add
+/// specialisations for their enumerations.
+/// \param[out] ok  if given, whether the text is a value in T's range
+/// \returns T{} if it is not
 template <typename T>
 [[nodiscard]] T fromString(const QString& text, bool* ok = nullptr);
 

@@ -6,8 +6,9 @@
 
 namespace lumo {
 
-/// A region of an image in whole pixels: from its first column and row to one
-/// past its last column and row. Default-built at (0, 0) to (0, 0).
+/// A region of an image in whole pixels. min_corner() is the first column (x) and row (y)
+/// of the region, max_corner() one past the last. Value-initialised, `box{}`, it is empty
+/// at (0, 0).
 using box = boost::geometry::model::box<boost::geometry::model::d2::point_xy<int>>;
 
 } // namespace lumo

@@ -8,7 +8,7 @@
 
 namespace lumo {
 
-/// How one sample of a pixel is stored.
+/// How the sample of one band of a pixel is stored. Files use these numbers' texts.
 enum class DataType : int {
     Unknown = 0,
     UInt8 = 1,

@@ -7,7 +7,7 @@
 
 namespace lumo {
 
-/// What is known of a picture without reading its pixels.
+/// Size and pixel format of an image, known without reading its pixels.
 struct ImageInfo
 {
     std::size_t width = 0;  ///< columns

@@ -5,8 +5,8 @@
 
 namespace lumo {
 
-/// Zero-mean Gaussian noise of one number, whose variance is found from
-/// weighted samples: clear(), add() each sample, finish().
+/// Zero-mean Gaussian noise of one number. Estimates the variance from weighted samples:
+/// call clear(), add() for each sample, then finish().
 ///
 /// A value; starts with variance 1 and nothing added; const calls may run in
 /// parallel. Variances are in the square of the samples' unit.
@@ -16,18 +16,17 @@ public:
     static constexpr double kDefaultMinimum = 0.01;
     static constexpr double kDefaultMaximum = 1e20;
 
-    /// The range that finish() keeps the variance in.
+    /// Sets the range to which finish() limits the variance.
     /// \throws std::invalid_argument unless 0 < minimum <= maximum, both finite
     void setBounds(double minimum, double maximum);
 
-    /// Forgets the samples; the variance stays until finish().
+    /// Forgets the samples; variance() keeps its value until finish().
     void clear();
-    /// Counts a sample `value` as often as `weight` (not negative) says.
+    /// Adds a sample. `weight` >= 0 is its multiplicity, not necessarily whole.
     void add(double value, double weight);
-    /// Sets the variance to the weighted mean square, kept within the bounds.
-    /// Without samples, or when their sum is not a number, it is the maximum:
-    /// nothing is known.
-    /// \returns whether the bounds changed nothing
+    /// Sets the variance to the weighted mean square, limited to the bounds. Without
+    /// samples, or if a sum is not a number, sets it to the maximum: the noise is unknown.
+    /// \returns false if the variance is a bound instead of the mean square
     bool finish();
 
     [[nodiscard]] double variance() const noexcept { return m_variance; }
@@ -39,7 +38,7 @@ public:
     /// exp(-value^2 / (2 variance)) / sqrt(2 pi variance).
     [[nodiscard]] double density(double value) const;
 
-    /// Logs the variance (for one number also the determinant).
+    /// Logs the variance, twice: it also is the determinant.
     void print() const;
 
 private:

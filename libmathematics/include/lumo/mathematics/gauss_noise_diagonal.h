@@ -7,13 +7,12 @@
 
 namespace lumo {
 
-/// Zero-mean Gaussian noise of a vector whose components are independent. The
-/// variances are found from weighted samples: clear(), add() each sample,
-/// finish().
+/// Zero-mean Gaussian noise of a vector with independent components. Estimates the
+/// variances from weighted samples: call clear(), add() for each sample, then finish().
 ///
 /// A value; starts with variance 1 on each axis and nothing added; const calls
 /// may run in parallel. Variances are in the square of the samples' unit.
-/// Exists for double and three dimensions.
+/// Instantiated for double and three dimensions only.
 template <typename Scalar, int kDimension>
 class GaussNoiseDiagonal
 {
@@ -25,26 +24,26 @@ public:
 
     GaussNoiseDiagonal();
 
-    /// The range that finish() keeps the determinant of the covariance in.
+    /// Sets the range to which finish() limits the determinant of the covariance.
     /// \throws std::invalid_argument unless 0 < minimum <= maximum, both finite
     void setDeterminantBounds(Scalar minimum, Scalar maximum);
 
-    /// Forgets the samples: sums and normalisation factor are 0 until finish().
+    /// Forgets the samples; variances and normalisation factor are 0 until finish().
     void clear();
-    /// Counts a sample `value` as often as `weight` (not negative) says.
+    /// Adds a sample. `weight` >= 0 is its multiplicity, not necessarily whole.
     void add(const Vector& value, Scalar weight)
     {
         m_variance += weight * value.cwiseAbs2();
         m_weightSum += weight;
     }
-    /// Divides the sums by the weight sum and keeps the determinant within its
-    /// bounds: one too small is raised by a common factor of all variances, or,
-    /// when it is too small for that (below 1e-10), by making all variances the
-    /// same; one too large by making all variances the same. A weight sum below
-    /// the machine epsilon is an error in the log, and the variances are as for
-    /// the largest determinant. A sum that is not a number stays visible as one.
-    /// To be called once after each clear(): it divides what was added.
-    /// \returns whether the variances are what was added says
+    /// Divides the sums by the weight sum and limits the determinant to its bounds.
+    /// - Below the minimum: multiplies all variances by one factor; if the determinant is
+    ///   below 1e-10, where that factor would be arbitrary, sets all to the same value.
+    /// - Above the maximum: sets all variances to the same value.
+    /// - Weight sum below the machine epsilon: logs an error and uses the maximum.
+    /// A sum that is NaN gives variances that are NaN. Call this once after each clear():
+    /// a second call would divide again.
+    /// \returns false if a bound replaced the variances of the samples
     bool finish();
 
     [[nodiscard]] const Vector& variance() const noexcept { return m_variance; }
@@ -54,7 +53,7 @@ public:
     [[nodiscard]] Scalar maximumDeterminant() const noexcept { return m_maximumDeterminant; }
     /// The density at zero: 1 / sqrt((2 pi)^dimension determinant).
     [[nodiscard]] Scalar normalisation() const noexcept { return m_normalisation; }
-    /// Of the covariance matrix: the product of the variances.
+    /// Determinant of the covariance matrix: the product of the variances.
     [[nodiscard]] Scalar determinant() const { return m_variance.prod(); }
 
     /// normalisation * exp(-1/2 sum of value_k^2 / variance_k).

@@ -10,9 +10,9 @@ namespace lumo::math {
 
 /// A similarity transform in space: transform(p) = scale * R * p + translation.
 ///
-/// A value; starts as the identity; const calls may run in parallel. The
-/// translation is in the unit of the points that come out; the scale has the
-/// unit of the points that come out per unit of those that go in.
+/// A value; starts as the identity; const calls may run in parallel. The translation is
+/// in the unit of the transformed points, the scale in that unit per unit of the original
+/// points.
 class LUMO_MATHEMATICS_EXPORT RigidTransform3D
 {
 public:
@@ -30,8 +30,9 @@ public:
 
     /// Sets all from (omega, phi, kappa, tx, ty, tz, scale); angles in radians,
     /// as in RotationMatrix.
-    /// \throws std::invalid_argument if these are not seven numbers; the value
-    ///         is untouched then. What the numbers are is not checked.
+    /// Does not check that the numbers are finite, see isFinite().
+    /// \throws std::invalid_argument if these are not seven numbers; the value is
+    ///         untouched then
     void set(const Eigen::VectorXd& parameters);
     /// The seven numbers in the order of set().
     [[nodiscard]] Eigen::VectorXd parameters() const;
@@ -42,13 +43,13 @@ public:
         return m_scale * (m_rotation.matrix() * point) + m_translation;
     }
 
-    /// Whether no parameter is infinite or a NaN.
+    /// Whether all parameters are finite.
     [[nodiscard]] bool isFinite() const;
 
     /// Logs angles (degrees), translation and scale.
     void print() const;
 
-    /// The same numbers.
+    /// Compares the parameters exactly.
     [[nodiscard]] bool operator==(const RigidTransform3D& other) const
     {
         return m_rotation == other.m_rotation && m_translation == other.m_translation &&

@@ -7,7 +7,7 @@
 
 namespace lumo {
 
-/// A rotation in space, held as three angles and the 3x3 matrix of exactly
+/// A rotation in space, stored as three angles and the 3x3 matrix computed from exactly
 /// these angles. With c and s for cosine and sine of omega, phi and kappa:
 ///
 ///     |  cphi ckappa   somega sphi ckappa + comega skappa   somega skappa - comega sphi ckappa |
@@ -19,21 +19,20 @@ namespace lumo {
 /// fixed frame to coordinates in a frame that was turned by omega about its x
 /// axis, then phi about its new y axis, then kappa about its new z axis.
 ///
-/// What sets a rotation by other means than angles finds the angles with phi
-/// in [-pi/2, pi/2], omega and kappa in [-pi, pi]. At gimbal lock (cos phi
-/// below 1e-14), where only omega + kappa (phi > 0) or omega - kappa (phi < 0)
-/// is determined, kappa is 0 and omega takes the rest; the rotation is the
-/// same within 1e-13 an entry.
+/// Functions that do not set the angles themselves compute them: phi in [-pi/2, pi/2],
+/// omega and kappa in [-pi, pi]. At gimbal lock (cos phi below 1e-14) the rotation
+/// determines only omega + kappa (phi > 0) or omega - kappa (phi < 0); then kappa is set
+/// to 0, which changes no entry of the matrix by more than 1e-13.
 ///
 /// A value; starts as the identity; const calls may run in parallel. Angles
-/// are radians unless a name says otherwise. Angles that are not finite give a
-/// matrix of NaN, so that a solver sees that its step has failed.
+/// are in radians unless a name contains another unit. Angles that are not finite give a
+/// matrix of NaN, so that a solver notices that its step has failed.
 class LUMO_MATHEMATICS_EXPORT RotationMatrix
 {
 public:
     RotationMatrix() = default;
 
-    /// Sets the angles, kept as given (not wrapped into a range), and the
+    /// Sets the angles as given, without wrapping them into a range, and computes the
     /// matrix R of the class description.
     void set(double omega, double phi, double kappa);
 
@@ -71,7 +70,7 @@ public:
     /// The inverse rotation.
     [[nodiscard]] RotationMatrix transpose() const;
 
-    /// The rotation that does `other` first: (a * b) * v = a * (b * v).
+    /// The product, which rotates by `other` first: (a * b) * v = a * (b * v).
     [[nodiscard]] RotationMatrix operator*(const RotationMatrix& other) const;
 
     /// The rotated vector.
@@ -80,8 +79,8 @@ public:
         return m_matrix * vector;
     }
 
-    /// The same three angles, hence the same matrix. Angles a full turn apart
-    /// are different values although they mean the same rotation.
+    /// Compares the three angles exactly. Angles that differ by a full turn are not equal,
+    /// although the rotation is the same.
     [[nodiscard]] bool operator==(const RotationMatrix& other) const
     {
         return m_angles == other.m_angles;

@@ -10,22 +10,22 @@
 
 namespace lumo::math::transformOptimisation {
 
-/// The similarity transform that takes points2 to points1 with the smallest
+/// Computes the similarity transform that maps points2 to points1 with the smallest
 /// weighted sum of squared distances, in closed form by a singular value
 /// decomposition (S. Umeyama, IEEE Transactions on Pattern Analysis and Machine
 /// Intelligence 13(4), 1991, equations 39 to 42, with weights). Reflections are
-/// excluded: for points that are mirrored, the best rotation is found.
+/// excluded: for mirrored points the result is the best proper rotation.
 ///
-/// A closed form exists for one weight per point only: it is the inverse of the
-/// mean of the three variances, 3 / (sx^2 + sy^2 + sz^2). This is exact for
-/// standard deviations that are equal on the three axes.
+/// A closed form needs a single weight for each point: the inverse of the mean variance,
+/// 3 / (sx^2 + sy^2 + sz^2). The result is optimal if the standard deviations of each
+/// point are equal on the three axes.
 ///
-/// Only ratios count: coordinates may be of any size and offset, as long as
-/// their squares relative to their centroid can be represented.
+/// Coordinates may have any magnitude and offset, as long as the squares of their
+/// distances from the centroid are representable.
 ///
-/// \param points1, points2, sigmas  of the same length; point i belongs to
-///        point i, sigmas[i] are its standard deviations (positive, in the unit
-///        of points1)
+/// \param points1, points2, sigmas  of the same length; points1[i] corresponds to
+///        points2[i], and sigmas[i] are the standard deviations of points1[i] on its
+///        three axes (positive, in the unit of points1)
 /// \param[out] transform  untouched on failure
 /// \returns false if there are fewer than 3 points or lists of different
 ///          lengths, if a number is not finite or a standard deviation not

@@ -10,10 +10,10 @@
 
 namespace lumo {
 
-/// What the processing pipeline can be doing, in the order in which a project
-/// goes through it. The numbers are kept: a new step takes a number of its own.
+/// The steps of the processing pipeline, in the order in which a project runs them.
+/// The numbers never change: a new step gets a new number.
 enum class ProcessingStep : std::int32_t {
-    None = -1, ///< nothing is being done
+    None = -1, ///< no step is running
 
     // From images to calibrated cameras
     ImageImport = 0,
@@ -45,12 +45,12 @@ enum class ProcessingStep : std::int32_t {
 
 namespace text {
 
-/// The step's name as it stands in a sentence, such as "bundle adjustment";
-/// "none" for no step and "unknown" for a number that is none of the steps.
+/// The step's name for use in a sentence, such as "bundle adjustment"; "none" for
+/// ProcessingStep::None and "unknown" for any other number.
 [[nodiscard]] LUMO_PIPELINE_EXPORT QString toString(const ProcessingStep& step);
 
 } // namespace text
 } // namespace lumo
 
-// So that the steps travel through queued connections.
+// Queued signal connections need the type to be known to Qt.
 Q_DECLARE_METATYPE(lumo::ProcessingStep)

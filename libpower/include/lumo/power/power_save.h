@@ -5,17 +5,17 @@
 
 namespace lumo::system {
 
-/// Keeps the operating system from going to sleep for want of input, until
-/// enablePowerSave() or the end of the process, however it ends. Does nothing if it
-/// is kept from it already. Returns when the system has answered, after 5 seconds at
-/// most. A system that refuses is no failure: the work goes on, and the reason is
-/// logged as a warning, once until another one comes or the system grants it.
+/// Prevents the operating system from going to sleep when there is no user input, until
+/// enablePowerSave() or the end of the process (even if it is killed). Does nothing if
+/// sleep is prevented already. Waits for the system's answer, at most 5 seconds: a login
+/// manager that hangs must not delay the work longer. If the system refuses, logs the
+/// reason as a warning, and again only after the reason changed or a call succeeded.
 ///
-/// These are switches, not counters, for the whole process. Both may be called from
-/// any thread, also from another one than the other.
+/// Both functions act on the whole process and do not count their calls. They may be
+/// called from any thread.
 LUMO_POWER_EXPORT void disablePowerSave();
 
-/// Lets the operating system sleep again. Does nothing if it may already.
+/// Allows the operating system to sleep again. Does nothing if sleep is not prevented.
 LUMO_POWER_EXPORT void enablePowerSave();
 
 } // namespace lumo::system

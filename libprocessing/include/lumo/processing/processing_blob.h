@@ -11,37 +11,36 @@
 
 namespace lumo {
 
-/// How far the work has come.
+/// The progress of the work.
 struct Progress
 {
     int percent = 0; ///< 0 to 100
-    QString text;    ///< what is being done
+    QString text;    ///< the current activity, for a person
 
     bool operator==(const Progress&) const = default;
 };
 
-/// What the threads of one run of processing share: its progress, and the
-/// request to stop it.
+/// The progress of a run of processing and the request to stop it, shared by threads.
 ///
-/// The work calls start(), reports as often as it likes and asks shouldStop()
-/// often; whoever watches adds a listener, or asks progress(). Reports are
-/// passed on to the listeners and to the log (debug level), but not each: see
+/// The working thread calls start(), reports progress at any rate and checks
+/// shouldStop() often. An observer adds a listener or polls progress(). Listeners and
+/// the log (debug level) receive only some of the reports: see
 /// progress(int, const QString&).
 ///
-/// Every function may be called from any thread. Of those that a listener may
-/// call while it is being called, there are two only: shouldStop() and stop().
+/// Every function may be called from any thread. A listener may call only
+/// shouldStop() and stop().
 class LUMO_PROCESSING_EXPORT ProcessingBlob
 {
 public:
-    /// Is called on the thread that reports, never by two threads at once, and
-    /// in the order of the reports. The reporting threads wait for it: it must
-    /// return soon, and must not throw.
+    /// Receives a report, on the thread that made it. Calls come in the order of the
+    /// reports, never two at once. All reporting threads wait for it: it must return
+    /// quickly, and must not throw.
     using Listener = std::function<void(const Progress&)>;
 
-    /// Fast enough for an eye, and too slow to flood a log.
+    /// Ten reports a second look smooth in a progress bar and do not flood a log.
     static constexpr std::chrono::milliseconds kDefaultInterval{100};
 
-    /// The one that the process shares.
+    /// The instance shared by the whole process.
     [[nodiscard]] static ProcessingBlob& instance();
 
     /// \param interval  shortest time between two reports that are passed on
@@ -50,29 +49,30 @@ public:
     ProcessingBlob& operator=(const ProcessingBlob&) = delete;
     ~ProcessingBlob();
 
-    /// Begins a run: nothing is done yet, and nobody asked to stop. Listeners
-    /// stay, and are not called.
+    /// Begins a run: resets the progress to 0 and clears the request to stop. Keeps the
+    /// listeners and does not call them.
     void start();
-    /// Asks the work to stop. It holds until the next start().
+    /// Requests the work to stop, until the next start().
     void stop();
     [[nodiscard]] bool shouldStop() const;
 
-    /// Reports progress. It is passed on if it says something new and is the
-    /// first report of a run, the first to reach 100 %, or comes an interval
-    /// after the last one passed on.
+    /// Reports progress. Listeners and log receive a report that differs from the last
+    /// one they received, if it is also the first of the run, the first to reach 100 %,
+    /// or at least an interval later.
     /// \param percent  below 0 counts as 0, above 100 as 100
     void progress(int percent, const QString& text);
-    /// Reports `current` parts of `total` as the whole percents that are done,
-    /// so 100 only when all are. A total of 0 is one not known yet: 0 %.
+    /// Reports `current` of `total` parts in percent, rounded down: 100 only when all
+    /// parts are done. A total of 0 means "not known yet" and reports 0 %.
     void progress(unsigned long long current, unsigned long long total, const QString& text);
-    /// The last report, passed on or not.
+    /// The last report, whether or not listeners received it.
     [[nodiscard]] Progress progress() const;
 
-    using ListenerId = int; ///< what addListener() gives and removeListener() takes
+    using ListenerId = int; ///< identifies a listener for removeListener()
+    /// Adds a listener for all later reports.
     /// \throws std::invalid_argument if the listener is empty
     [[nodiscard]] ListenerId addListener(Listener listener);
-    /// Once this returns the listener is not called any more. Does nothing if
-    /// there is none of this number.
+    /// Removes a listener: it is not called any more once this returns. Does nothing if
+    /// no listener has this number.
     void removeListener(ListenerId id);
 
 private:
