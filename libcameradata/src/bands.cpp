@@ -9,7 +9,8 @@
 namespace lumo {
 namespace {
 
-/// What two names have in common when they match: no blanks, no case.
+/// The form in which names are compared: without blanks and case, since makers spell the
+/// same band "Red Edge", "RedEdge" and "rededge".
 QString foldedName(const QString& name)
 {
     QString folded;
@@ -31,7 +32,7 @@ bool usable(double value)
     return std::isfinite(value) && value >= 0.0;
 }
 
-/// Why the bands cannot be used one by one; empty if they can.
+/// The first fault of a band; empty if there is none.
 QString faultOf(const bands_t& bands)
 {
     QSet<QString> seen;
@@ -44,6 +45,7 @@ QString faultOf(const bands_t& bands)
             return QStringLiteral("Band '%1' has an invalid wavelength, width or weight")
                 .arg(band.name);
         }
+        // Cameras may deliver several channels without content.
         if (!band.garbage() && seen.contains(folded)) {
             return QStringLiteral("Two bands are named '%1'").arg(band.name);
         }
@@ -86,7 +88,7 @@ bool bands_t::sameNames(const QStringList& names) const
 
 bool bands_t::sameCentralWaveLengths(const bands_t& other) const
 {
-    constexpr double kToleranceNm = 0.5;
+    constexpr double kToleranceNm = 0.5; // files and data sheets round to whole nanometres
     return std::equal(
         begin(), end(), other.begin(), other.end(), [](const band_t& a, const band_t& b) {
             return std::abs(a.wavelength - b.wavelength) <= kToleranceNm;
@@ -124,6 +126,7 @@ bool bands_t::needsCopyDataFrom(const bands_t& other) const
     if (!sameNames(other)) {
         return true;
     }
+    // Copying and comparing repeats none of the rules of copyData.
     bands_t filled = *this;
     filled.copyData(other);
     return !(filled == *this);

@@ -16,7 +16,7 @@ const QString& bandTag()
 
 band_t readBand(const QDomElement& element)
 {
-    const band_t missing;
+    const band_t missing; // its fields are the defaults
     band_t band;
     band.name = xml::readValue(element, QStringLiteral("name"), missing.name);
     band.wavelength = xml::readValue(element, QStringLiteral("wavelength"), missing.wavelength);

@@ -6,6 +6,7 @@
 namespace lumo {
 namespace {
 
+/// Names become parts of file paths, XML and quoted texts.
 bool forbidden(QChar character)
 {
     switch (character.unicode()) {
@@ -26,7 +27,7 @@ bool forbidden(QChar character)
 
 bool validCameraName(const QString& name)
 {
-    constexpr int kMaxLength = 255;
+    constexpr int kMaxLength = 255; // of a file name on common file systems
     return !name.isEmpty() && name.size() <= kMaxLength && name != QLatin1String("none") &&
            std::none_of(name.begin(), name.end(), forbidden);
 }

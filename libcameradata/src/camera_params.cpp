@@ -23,6 +23,7 @@ void CameraParams::setVignettingModels(const std::map<int, VignettingData>& mode
 
 double CameraParams::mm2pixel(double mm) const
 {
+    // Without a pixel size 0, which callers treat as unknown, instead of infinity.
     return pixelSize == 0.0 ? 0.0 : mm / pixelSize;
 }
 
@@ -56,6 +57,8 @@ bool CameraParams::equalImageSize(std::size_t width, std::size_t height) const
 CameraParams CameraParams::turned() const
 {
     // A clockwise quarter turn takes (x, y), seen from the centre, to (-y, x).
+    // Distances to the left edge become distances to the upper edge, and those to the lower
+    // edge distances to the left one.
     CameraParams result = *this;
     std::swap(result.imageWidth, result.imageHeight);
     result.principalPointXMm = pixel2mm(static_cast<double>(imageHeight)) - principalPointYMm;

@@ -11,6 +11,7 @@ namespace {
 /// equal themselves after a round trip through a file.
 bool equalWritten(double a, double b, int digits)
 {
+    // The texts of 0 and -0 differ, the numbers do not.
     return a == b || QByteArray::number(a, 'g', digits) == QByteArray::number(b, 'g', digits);
 }
 
@@ -40,15 +41,11 @@ bool equalLensInUse(const CameraParams& a, const CameraParams& b)
     if (a.lensType != b.lensType) {
         return false;
     }
-    switch (a.lensType) {
-    case LensType::Perspective:
+    if (a.lensType == LensType::Perspective) {
         return equalLens(a.perspective, b.perspective);
-    case LensType::Fisheye:
-        return equalLens(a.fisheye, b.fisheye);
-    case LensType::Spherical:
-        return true;
     }
-    return true; // an unknown type has no lens elements
+    // Files store no lens parameters for the other types.
+    return a.lensType != LensType::Fisheye || equalLens(a.fisheye, b.fisheye);
 }
 
 bool equalRange(
@@ -62,6 +59,7 @@ bool equalRange(
 bool equalVignetting(
     const std::pair<const int, VignettingData>& a, const std::pair<const int, VignettingData>& b)
 {
+    // Both have the same number of elements once the shapes are equal.
     const Eigen::MatrixXd& m = a.second.coefficients;
     const Eigen::MatrixXd& n = b.second.coefficients;
     return a.first == b.first && m.rows() == n.rows() && m.cols() == n.cols() &&

@@ -14,6 +14,9 @@ bool allFinite(std::initializer_list<double> values)
     return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
 }
 
+// These functions return the first fault, or an empty text. All conditions are written so
+// that a NaN, which a file can contain, is a fault.
+
 QString sensorFault(const CameraParams& params)
 {
     if (!validCameraName(params.name)) {
@@ -59,6 +62,7 @@ QString fisheyeFault(const FisheyeParams& lens)
             lens.poly.begin(), lens.poly.end(), [](double p) { return std::isfinite(p); })) {
         return QStringLiteral("A fisheye coefficient is not a number");
     }
+    // 0 also if the affine part was never set.
     const double determinant = lens.c * lens.f - lens.d * lens.e;
     if (!std::isfinite(determinant) || determinant == 0.0) {
         return QStringLiteral("The affine part of the fisheye lens cannot be inverted");
@@ -76,14 +80,19 @@ QString lensFault(const CameraParams& params)
     case LensType::Spherical:
         return {};
     }
-    return QStringLiteral("The lens type is unknown");
+    return QStringLiteral("The lens type is unknown"); // a number from a file
 }
 
 QString tablesFault(const CameraParams& params)
 {
     for (const auto& [type, range] : params.pixelValues) {
-        if (!allFinite({range.min, range.max}) || range.min > range.max) {
-            return QStringLiteral("The range of pixel values is not one");
+        if (!allFinite({range.min, range.max})) {
+            return QStringLiteral("The pixel value range is invalid: a limit is not a number");
+        }
+        if (range.min > range.max) {
+            return QStringLiteral("The pixel value range is invalid: minimum %1 exceeds maximum %2")
+                .arg(range.min)
+                .arg(range.max);
         }
     }
     for (const auto& [key, model] : params.vignetting) {

@@ -24,7 +24,7 @@ QString toString(CameraSource source)
             return QString::fromLatin1(text);
         }
     }
-    return QStringLiteral("custom");
+    return QStringLiteral("custom"); // for a number from a file that is no source
 }
 
 template <>

@@ -8,8 +8,8 @@
 namespace lumo {
 namespace {
 
-/// A part of an identifier: what would end the part, or could not stand in
-/// a camera name, becomes "-".
+/// A part of an identifier. Replaces characters that separate parts ("_") or that are not
+/// allowed in a camera name.
 QString identifierPart(const QString& text)
 {
     QString result = text.trimmed();
@@ -38,6 +38,7 @@ ExifID ExifInfo::exifId() const
     if (key.isEmpty()) {
         return {};
     }
+    // The larger side first: an image in portrait format is from the same camera.
     const QString tail = QStringLiteral("_%1_%2x%3")
                              .arg(focalLengthMm, 0, 'f', 1)
                              .arg(std::max(imageWidth, imageHeight))
@@ -48,6 +49,7 @@ ExifID ExifInfo::exifId() const
 
 QStringList tokenizeExifId(const QString& exifId)
 {
+    // The key is greedy: of several "_" the last ones separate the numbers.
     static const QRegularExpression form(
         QStringLiteral("^(.+)_(\\d+)\\.(\\d+)_(\\d+)x(\\d+)$"),
         QRegularExpression::DotMatchesEverythingOption);

@@ -27,9 +27,10 @@ QString atPosition(const QByteArray& bytes, int position, const QString& reason)
     return atLine(1 + std::count(bytes.begin(), bytes.begin() + position, '\n'), reason);
 }
 
-/// The place of the first attribute too many of an element; -1 if there is none.
-/// The parser compares each attribute of an element with all others, so this has
-/// to be known before. Comments and the like do not count.
+/// Index where an element first exceeds kMaxAttributes; -1 if none does. The parser
+/// compares each attribute with all others of the element, which is quadratic, so this
+/// check comes before parsing. Counts "=" outside of quotes, and nothing
+/// in comments, declarations and processing instructions.
 int findAttributeTooMany(const QByteArray& bytes)
 {
     enum class State { Outside, TagOpened, InTag, InDouble, InSingle };
@@ -37,7 +38,7 @@ int findAttributeTooMany(const QByteArray& bytes)
     int count = 0;
     for (int i = 0; i < bytes.size(); ++i) {
         const char c = bytes[i];
-        if (c == '<') { // no attribute value holds it: in step again after anything
+        if (c == '<') { // cannot occur in an attribute value, so this resynchronises
             state = State::TagOpened;
             count = 0;
         } else if (state == State::TagOpened) {
@@ -59,8 +60,8 @@ int findAttributeTooMany(const QByteArray& bytes)
     return -1;
 }
 
-/// The place of a document type declaration with more than a name; -1 if there
-/// is none. It stands before the first element, after declaration and comments.
+/// Index of a document type declaration with more than a name; -1 if there is none. Only
+/// comments and processing instructions can precede it.
 int findRichDoctype(const QByteArray& bytes)
 {
     int i = bytes.indexOf('<');
@@ -79,14 +80,14 @@ int findRichDoctype(const QByteArray& bytes)
     }
     static const QRegularExpression plain(
         QStringLiteral("\\A<!DOCTYPE[ \\t\\r\\n]+[^ \\t\\r\\n<>\\[\\]\"'%&;]+[ \\t\\r\\n]*>"));
-    constexpr int kLongestDoctype = 1024;
+    constexpr int kLongestDoctype = 1024; // longer names are refused, too: none is real
     return plain.match(QString::fromLatin1(bytes.mid(i, kLongestDoctype))).hasMatch() ? -1 : i;
 }
 
-/// What can be told from the bytes, before a parser sees them.
+/// Checks that need no parser, or must come before it.
 bool checkBytes(const QByteArray& bytes, QString& error)
 {
-    // A NUL also tells 16 and 32 bit encodings, whose bytes mean something else.
+    // Texts in UTF-16 and UTF-32 contain NUL bytes, too; the checks below need ASCII markup.
     const int nul = bytes.indexOf('\0');
     if (nul >= 0) {
         error = atPosition(bytes, nul, QStringLiteral("a NUL character; UTF-8 is expected"));
@@ -96,7 +97,7 @@ bool checkBytes(const QByteArray& bytes, QString& error)
     if (doctype >= 0) {
         error = atPosition(
             bytes, doctype,
-            QStringLiteral("a document type declaration with more than a name is not read"));
+            QStringLiteral("a document type declaration with more than a name is not allowed"));
         return false;
     }
     const int attribute = findAttributeTooMany(bytes);
@@ -109,13 +110,13 @@ bool checkBytes(const QByteArray& bytes, QString& error)
     return true;
 }
 
-/// In which the bytes of the markup are those of ASCII, as checkBytes expects.
-bool encodingRead(const QStringRef& name)
+/// Only encodings whose markup is ASCII, as checkBytes expects.
+bool supportedEncoding(const QStringRef& name)
 {
-    static const QStringList read{
+    static const QStringList supported{
         QString(), QStringLiteral("UTF-8"), QStringLiteral("US-ASCII"),
         QStringLiteral("ISO-8859-1"), QStringLiteral("windows-1252")};
-    return read.contains(name.toString(), Qt::CaseInsensitive);
+    return supported.contains(name.toString(), Qt::CaseInsensitive);
 }
 
 bool attributeTooLong(const QXmlStreamReader& reader)
@@ -126,7 +127,8 @@ bool attributeTooLong(const QXmlStreamReader& reader)
     });
 }
 
-/// Walks through an input with limits on depth and lengths.
+/// Reads through an input with limits on depth and lengths. A streaming reader needs no
+/// stack per level, so the limits hold before QDomDocument, which does, sees the input.
 class Walk
 {
 public:
@@ -153,13 +155,14 @@ public:
     }
 
 private:
-    /// Why the current token is refused; empty if it is not.
+    /// The reason to refuse the current token; empty if there is none.
     [[nodiscard]] QString fault()
     {
         switch (m_reader.tokenType()) {
         case QXmlStreamReader::StartDocument:
-            if (m_encoding == Encoding::Declared && !encodingRead(m_reader.documentEncoding())) {
-                return QStringLiteral("encoding %1 is not read")
+            if (m_encoding == Encoding::Declared &&
+                !supportedEncoding(m_reader.documentEncoding())) {
+                return QStringLiteral("encoding %1 is not supported: save the file as UTF-8")
                     .arg(m_reader.documentEncoding().toString());
             }
             break;
@@ -178,7 +181,7 @@ private:
             --m_depth;
             break;
         default:
-            m_textLength += m_reader.text().size(); // parts of one text add up
+            m_textLength += m_reader.text().size(); // a reader may deliver one text in parts
             if (m_textLength > kMaxTextLength) {
                 return QStringLiteral("a text is longer than %1 characters").arg(kMaxTextLength);
             }
@@ -200,6 +203,7 @@ bool check(QXmlStreamReader& reader, Encoding encoding, QString& error)
 
 bool build(QXmlStreamReader& reader, QDomDocument& document, QString& error)
 {
+    // A new document: setContent changes its own one on failure, too.
     QDomDocument built;
     QString reason;
     int line = 0;
@@ -218,7 +222,8 @@ bool checkXml(const QByteArray& bytes, QString& error)
     if (!checkBytes(bytes, error)) {
         return false;
     }
-    // From a device the reader decodes block by block, from an array all at once.
+    // From a device the reader decodes block by block. From an array it decodes everything at
+    // once, which takes more memory.
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
@@ -240,7 +245,7 @@ bool domFromBytes(const QByteArray& bytes, QDomDocument& document, QString& erro
 
 bool domFromString(const QString& text, QDomDocument& document, QString& error)
 {
-    // A half of a surrogate pair would be lost on the way to bytes.
+    // Conversion to UTF-8 would silently replace half of a surrogate pair.
     const int invalid = findInvalidCharacter(text);
     if (invalid >= 0) {
         error = atLine(

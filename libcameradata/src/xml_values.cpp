@@ -11,7 +11,7 @@
 namespace lumo::xml {
 namespace {
 
-/// An attribute, with the element that holds it.
+/// The name of an attribute and its element, which is null if the path leads nowhere.
 struct Attribute
 {
     QDomElement element;
@@ -29,7 +29,7 @@ Attribute find(const QDomElement& element, const QString& path)
     return attribute;
 }
 
-/// \param what  what holds the text, for the warning: "attribute NAME" or empty
+/// \param what  beginning of the warning: "attribute NAME: ", or empty for an element
 template <typename T>
 T parse(const QDomElement& element, const QString& what, const QString& text, const T& defaultValue)
 {
@@ -50,7 +50,7 @@ T parse(const QDomElement& element, const QString& what, const QString& text, co
     }
 }
 
-/// Halves of surrogate pairs are looked at in pairs by the caller.
+/// Does not judge surrogates, which are allowed in pairs: the caller does.
 bool forbidden(QChar character)
 {
     const ushort code = character.unicode();
@@ -84,6 +84,7 @@ void writeTag(QXmlStreamWriter& writer, const QString& name, double value, int d
 
 void writeText(QXmlStreamWriter& writer, const QString& text)
 {
+    // writeCharacters writes a carriage return as it is.
     const QStringList parts = text.split(QLatin1Char('\r'));
     for (int i = 0; i < parts.size(); ++i) {
         if (i > 0) {

@@ -65,7 +65,7 @@ TEST(CameraParams, InvalidOnesSayWhy)
              p = fisheyeParams();
              p.fisheye.npoly = 5;
          }},
-        {"The range of pixel values is not one",
+        {"The pixel value range is invalid: minimum 255 exceeds maximum 0",
          [](CameraParams& p) {
              p.pixelValues[DataType::UInt8] = {255, 0};
          }},

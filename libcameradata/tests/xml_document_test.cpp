@@ -104,7 +104,7 @@ const Input kInputs[] = {
     {"UTF-16", literal(QByteArray("\xFF\xFE<\0a\0/\0>\0", 10)), "line 1: a NUL character"},
     {"control character", literal("<a>\n&#1;</a>"), "line 2: "},
     {"encoding with other markup", literal("<?xml version='1.0' encoding='UTF-7'?><a/>"),
-     "line 1: encoding UTF-7 is not read"},
+     "line 1: encoding UTF-7 is not supported: save the file as UTF-8"},
     {"ISO-8859-1", literal("<?xml version='1.0' encoding='iso-8859-1'?><a>\xFC</a>"), ""},
     {"byte order mark", literal("\xEF\xBB\xBF<a/>"), ""},
 };

@@ -67,7 +67,7 @@ std::optional<Eigen::Vector2d> BrownDistortion::distort(const Eigen::Vector2d& i
     return ideal * (radialFactor(m_radial, r2) + 2.0 * u.dot(ideal)) + r2 * u;
 }
 
-/// The distorted point q = p (g + 2 u.p) + r^2 u says that p lies along
+/// From the distorted point q = p (g + 2 u.p) + r^2 u follows that p lies along
 /// w = q - r^2 u (the bracket is positive inside the disc), which leaves one
 /// equation for r alone: r g + 2 r^2 u.w/|w| - |w| = 0. Where the map is
 /// one-to-one it has one root and rises there.

@@ -230,7 +230,8 @@ INSTANTIATE_TEST_SUITE_P(
             "line 17, column 1: pixelType of camera 'A' stands twice"},
         BadText{
             "PixelValues", "A,uint16,0,", "A,uint16,70000,",
-            "line 5, column 1: camera 'A': The range of pixel values is not one"},
+            "line 5, column 1: camera 'A': The pixel value range is invalid: "
+            "minimum 70000 exceeds maximum 65535"},
         BadText{
             "MappingTwice", "B,A\n", "B,A\nB,C\n", "line 20, column 1: exifId 'B' stands twice"},
         BadText{"RigTwice", "R,1\n[", "R,1\nR,0\n[", "line 23, column 1: rig 'R' stands twice"},

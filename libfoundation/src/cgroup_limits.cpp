@@ -26,7 +26,7 @@ struct Mount
     QStringList controllers; ///< version 1
 };
 
-/// Empty if it cannot be read.
+/// The lines of a file; empty if it cannot be read, which sets no limit.
 QStringList linesOf(const QString& path)
 {
     QFile file(path);
@@ -105,16 +105,15 @@ bool foldersBelow(const Mount& mount, const QString& group, QStringList& folders
     return true;
 }
 
-/// A folder of a group, and whose files stand in it.
+/// A folder of a group and the version of its files.
 struct GroupFolder
 {
     QString path;
     bool unified = false;
 };
 
-/// All folders that may limit the process by a controller. The names of groups seen
-/// from within a namespace may not fit the mount; then the mount point itself is the
-/// group that was given to the container.
+/// All folders that may limit the process by a controller. In a namespace the names of
+/// groups need not match the mounts; then the mount point is the container's group.
 std::vector<GroupFolder> groupFolders(const QString& root, const QString& controller)
 {
     const QHash<QString, QString> own = ownGroups(root);
@@ -136,13 +135,14 @@ std::vector<GroupFolder> groupFolders(const QString& root, const QString& contro
     return result.empty() ? unfitting : result;
 }
 
-/// A whole number not below `least`; otherwise there is none, and that is logged.
+/// Parses a whole number >= `least`; anything else is logged and sets no limit.
 std::optional<double> number(const QString& path, const QString& text, double least)
 {
     bool ok = false;
     const long long value = text::fromString<long long>(text, &ok);
     if (!ok || static_cast<double>(value) < least) {
-        log::warning() << QStringLiteral("%1: not a limit: \"%2\"").arg(path, text);
+        log::warning()
+            << QStringLiteral("%1: \"%2\" is not a limit and is ignored").arg(path, text);
         return std::nullopt;
     }
     return static_cast<double>(value);
@@ -179,7 +179,7 @@ std::optional<double> oldCpus(const QString& folder)
     return ratio(path, quota, linesOf(folder + QStringLiteral("/cpu.cfs_period_us")).value(0));
 }
 
-/// Where version 1 has no limit, it shows a number beyond any machine's memory.
+/// Without a limit, version 1 shows a number beyond any machine's memory: no special case.
 std::optional<double> groupBytes(const GroupFolder& folder)
 {
     const QString path = folder.path + (folder.unified ? QStringLiteral("/memory.max")

@@ -9,24 +9,27 @@
 
 namespace lumo::system {
 
-/// What control groups grant the process; empty: no limit.
+/// The limits that control groups set for the process; unset: no limit.
 struct CgroupLimits
 {
-    std::optional<double> cpus; ///< processor time per time
+    std::optional<double>
+        cpus; ///< processor time per elapsed time: 1.5 is one and a half processors
     std::optional<std::uint64_t> bytes;
 };
 
-/// The smallest limits of the process's own control groups and all above them that
-/// can be seen, whichever version holds a controller.
-/// \param root  of the tree that holds proc/self and the mount points; "" for the
-///              machine's own. For tests.
+/// The smallest limits of the process's control groups and of all visible groups above
+/// them, in version 1 and 2.
+/// \param root  folder with proc/self and the mount points; "" for the machine's own,
+///              else for tests
 [[nodiscard]] LUMO_TEST_EXPORT CgroupLimits cgroupLimits(const QString& root);
 
-/// \param hostCpus      of the machine
-/// \param affinityCpus  that the process is bound to
+/// The rule of cpuLimit().
+/// \param hostCpus      processors of the machine
+/// \param affinityCpus  processors that the process is bound to; 0 if unknown
 [[nodiscard]] LUMO_TEST_EXPORT CpuLimit
 smallestLimit(int hostCpus, int affinityCpus, std::optional<double> cgroupCpus);
 
+/// The rule of memoryLimit().
 [[nodiscard]] LUMO_TEST_EXPORT MemoryLimit
 smallestLimit(std::uint64_t hostBytes, std::optional<std::uint64_t> cgroupBytes);
 

@@ -30,7 +30,7 @@ void dispatch(const Record& record) noexcept
         try {
             sink->write(record);
         } catch (...) {
-            // A failing log must not end the work; there is nowhere to say it.
+            // A failing log must not end the work, and there is no place to report it.
         }
     }
 }

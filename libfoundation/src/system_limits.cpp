@@ -15,8 +15,8 @@
 namespace lumo::system {
 namespace {
 
-/// The processors that the process's first thread is bound to; `otherwise` if the
-/// system does not tell.
+/// The number of processors that the process's first thread is bound to; `otherwise` if
+/// the system refuses to answer.
 int affinityCpus(int otherwise)
 {
     constexpr std::size_t kMostSets = 1024; // of 1,024 processors each
@@ -26,7 +26,7 @@ int affinityCpus(int otherwise)
         if (sched_getaffinity(getpid(), size, sets.data()) == 0) {
             return CPU_COUNT_S(size, sets.data());
         }
-        if (errno != EINVAL) { // that is: more processors than there is room for
+        if (errno != EINVAL) { // EINVAL: the set is too small for the machine's processors
             break;
         }
     }

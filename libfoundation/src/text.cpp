@@ -31,7 +31,7 @@ int sign(int value)
     return int(value > 0) - int(value < 0);
 }
 
-/// Compares the values of two texts of digits, however long; none counts as 0.
+/// Compares two texts of digits by value. Works for any length; an empty text is 0.
 int compareNumbers(QStringView a, QStringView b)
 {
     const auto isZero = [](QChar c) { return c == QLatin1Char('0'); };
@@ -43,7 +43,7 @@ int compareNumbers(QStringView a, QStringView b)
     return sign(a.compare(b));
 }
 
-/// Code unit by code unit, but runs of digits by their value.
+/// Compares runs of digits by value and all else by code unit.
 int compareByRuns(QStringView a, QStringView b)
 {
     while (!a.isEmpty() && !b.isEmpty()) {
@@ -65,8 +65,8 @@ int compareByRuns(QStringView a, QStringView b)
     return int(!a.isEmpty()) - int(!b.isEmpty());
 }
 
-/// A collator with digits as numbers, or none in the C locale, whose collator
-/// ignores the numeric mode.
+/// Compares digits as numbers. The C locale's collator ignores the numeric mode, so it is
+/// tested on construction and replaced by compareByRuns.
 class NumericCollator
 {
 public:
@@ -89,7 +89,8 @@ private:
 template <typename T>
 T parseNumber(const QString& text, bool* ok)
 {
-    QByteArray digits = text.trimmed().toLatin1(); // what is not Latin-1 becomes "?"
+    QByteArray digits =
+        text.trimmed().toLatin1(); // other characters become "?", which no number contains
     if (digits.startsWith('+') && !digits.startsWith("+-")) {
         digits.remove(0, 1); // std::from_chars knows no plus sign
     }

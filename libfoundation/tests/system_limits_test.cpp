@@ -146,7 +146,7 @@ TEST(SystemLimits, WhatIsNoLimitIsSaidAndLimitsNothing)
             limitsOf({{kCgroup, "0::/\n"}, {kMounts, kUnified}, {"sys/fs/cgroup/cpu.max", bad}});
         EXPECT_FALSE(limits.cpus) << bad;
         ASSERT_EQ(capture.records().size(), 1u) << bad;
-        EXPECT_TRUE(capture.records().front().text.contains("/cpu.max: not a limit: \"")) << bad;
+        EXPECT_TRUE(capture.records().front().text.contains("/cpu.max: \"")) << bad;
     }
 }
 

@@ -40,7 +40,7 @@ private:
 };
 
 /// Names with a version are those of interfaces that changed: a name without one
-/// stands for the oldest, with other types.
+/// is the oldest interface, with other types.
 std::string takeFunctions(void* library, Functions& functions)
 {
     Resolver resolver(library);

@@ -15,7 +15,7 @@ struct Message
     std::string text;
 };
 
-/// What the driver told about one device; where it did not, the values stay.
+/// The properties of one device; those that the driver refuses keep these values.
 struct DeviceFacts
 {
     bool reachable = false; ///< whether `handle` is valid
@@ -29,7 +29,7 @@ struct DeviceFacts
 
 /// Asks an initialised driver for all devices.
 /// \param[in,out] status    set where the driver has no device
-/// \param[in,out] messages  what it refused is appended
+/// \param[in,out] messages  receives a warning for each refused request
 [[nodiscard]] std::vector<DeviceFacts> readDevices(
     const Functions& functions, Status& status, std::vector<Message>& messages);
 

@@ -19,7 +19,7 @@ using namespace lumo::cudaDriver;
 constexpr const char* kSystemLibrary = "libcuda.so.1";
 constexpr std::uint64_t kAllDevices = ~std::uint64_t{0};
 
-/// The driver and its devices, read when they are first asked for.
+/// The driver and its devices, read when they are first needed.
 struct Devices
 {
     Driver driver;
@@ -28,32 +28,33 @@ struct Devices
 
 struct State
 {
-    std::mutex mutex; ///< of all below
+    std::mutex mutex; ///< guards all members below
     std::string libraryPath = kSystemLibrary;
     std::shared_ptr<const Devices> devices; ///< null: not yet read
-    std::vector<Message> unsaid;
+    std::vector<Message> pending;           ///< messages without a receiver yet
     gxcLogger logger = nullptr;
 };
 
 std::atomic<std::uint64_t> gpuFlags{kAllDevices};
 
-/// Never destroyed: the driver library has its own way of ending, which closing it
-/// among the static objects would disturb.
+/// Never destroyed: the driver library cleans up at exit itself, in an order that closing
+/// it among the static objects would disturb.
 State& state()
 {
     static State& instance = *new State;
     return instance;
 }
 
-/// Hands out what is unsaid, without the lock: a logger may call this library.
-void sayMessages()
+/// Passes the pending messages to the logger, without the lock: a logger may call this
+/// library.
+void deliverMessages()
 {
     std::unique_lock lock(state().mutex);
     const gxcLogger logger = state().logger;
     if (logger == nullptr) {
         return;
     }
-    const std::vector<Message> messages = std::exchange(state().unsaid, {});
+    const std::vector<Message> messages = std::exchange(state().pending, {});
     lock.unlock();
     for (const Message& message : messages) {
         logger(message.level, message.text.c_str());
@@ -84,14 +85,14 @@ std::shared_ptr<const Devices> readOnce()
         if (state().devices != nullptr) {
             return state().devices;
         }
-        devices = openDevices(state().libraryPath, state().unsaid);
+        devices = openDevices(state().libraryPath, state().pending);
         state().devices = devices;
     }
-    sayMessages();
+    deliverMessages();
     return devices;
 }
 
-/// What is known of a device; of one that does not exist, nothing.
+/// The properties of a device; those of an unknown device if it does not exist.
 DeviceFacts factsOf(int device)
 {
     const std::shared_ptr<const Devices> devices = readOnce();
@@ -169,9 +170,9 @@ void gxcCudaResetAllDevices()
     resetDevices(devices->driver.functions, devices->facts, messages);
     {
         const std::lock_guard lock(state().mutex);
-        state().unsaid.insert(state().unsaid.end(), messages.begin(), messages.end());
+        state().pending.insert(state().pending.end(), messages.begin(), messages.end());
     }
-    sayMessages();
+    deliverMessages();
 }
 
 int gxcGetActiveDevice()
@@ -193,7 +194,7 @@ void gxcSetLoggerCallback(gxcLogger logger)
         const std::lock_guard lock(state().mutex);
         state().logger = logger;
     }
-    sayMessages();
+    deliverMessages();
 }
 
 void gxcUseDriverLibrary(const char* path)
@@ -201,6 +202,6 @@ void gxcUseDriverLibrary(const char* path)
     const std::lock_guard lock(state().mutex);
     state().libraryPath = path != nullptr ? path : kSystemLibrary;
     state().devices.reset();
-    state().unsaid.clear();
+    state().pending.clear();
     gpuFlags = kAllDevices;
 }

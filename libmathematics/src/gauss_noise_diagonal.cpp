@@ -12,7 +12,8 @@ namespace lumo {
 
 namespace {
 
-// Below it the ratio to the smallest determinant says nothing of the shape.
+// A smaller determinant can be rounding alone: scaling it up would keep an arbitrary ratio
+// of the variances.
 constexpr double kSmallestScalable = 1e-10;
 
 } // namespace
@@ -76,6 +77,7 @@ bool GaussNoiseDiagonal<Scalar, kDimension>::finish()
     } else {
         m_variance /= m_weightSum;
     }
+    // Also clamps the fallback: its product can exceed the maximum by rounding.
     const bool within = clampDeterminant() && !nothingAdded;
     m_inverseVariance = m_variance.cwiseInverse();
     const Scalar turn = 2 * std::numbers::pi_v<Scalar>;

@@ -33,7 +33,7 @@ std::vector<std::uint32_t> randomUniformIndices(
     std::unordered_set<std::uint32_t> drawn;
     drawn.reserve(count);
     const std::uint32_t span = last - first;
-    // Step j may draw 0 .. span - count + 1 + j; the newest stands in for one drawn before.
+    // Step j may draw 0 .. span - count + 1 + j; the newest replaces one drawn before.
     for (std::uint32_t j = 0; j < count; ++j) {
         const std::uint32_t newest = span - (count - 1 - j);
         std::uint32_t index = drawUpTo(newest, *generator);

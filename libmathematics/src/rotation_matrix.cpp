@@ -11,6 +11,7 @@ namespace lumo {
 
 namespace {
 
+// Accepts matrices that were stored with 7 significant digits.
 constexpr double kInputTolerance = 1e-6;
 
 // Far enough above the rounding of a product of rotations (1e-16) that a right
@@ -116,6 +117,8 @@ RotationMatrix RotationMatrix::operator*(const RotationMatrix& other) const
 
 void RotationMatrix::setUnchecked(const Eigen::Matrix3d& rotation)
 {
+    // The matrix is computed again, so that errors do not add up over a chain of products and
+    // the same angles always mean the same matrix.
     m_angles = anglesOf(rotation);
     m_matrix = matrixOf(m_angles);
 }

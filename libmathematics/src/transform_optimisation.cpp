@@ -23,7 +23,8 @@ constexpr double kRankTolerance = 1e-13;
 // Coordinates carry half an epsilon each, a centroid and a difference some more.
 constexpr double kRounding = 16.0 * std::numeric_limits<double>::epsilon();
 
-/// The weights, relative to the largest; false if a sigma is no standard deviation.
+/// Weights relative to the largest, so that no square overflows; false if a sigma is not a
+/// standard deviation.
 bool weightsOf(const Points& sigmas, std::vector<double>& weights)
 {
     weights.clear();
@@ -64,7 +65,8 @@ bool onALine(const Points& points, double tolerance)
     });
 }
 
-/// False if the points do not determine a rotation.
+/// Moves the points to their weighted centroid and scales them by their extent, so that
+/// one tolerance suits all units. False if the points do not determine a rotation.
 bool centre(const Points& points, const std::vector<double>& weights, Centred& result)
 {
     double weightSum = 0.0;
@@ -76,6 +78,7 @@ bool centre(const Points& points, const std::vector<double>& weights, Centred& r
         }
         weightSum += weights[i];
         magnitude = std::max(magnitude, points[i].cwiseAbs().maxCoeff());
+        // Relative to the first point: large coordinates would lose digits in a plain sum.
         offset += weights[i] * (points[i] - points.front());
     }
     result.centroid = points.front() + offset / weightSum;
@@ -110,6 +113,7 @@ bool fit(
     if (!(singular[1] > kRankTolerance * variance2)) {
         return false;
     }
+    // A negative determinant means a reflection; turning the weakest axis costs least.
     Eigen::Vector3d signs = Eigen::Vector3d::Ones();
     signs[2] = svd.matrixU().determinant() * svd.matrixV().determinant() < 0.0 ? -1.0 : 1.0;
     rotation = svd.matrixU() * signs.asDiagonal() * svd.matrixV().transpose();

@@ -10,6 +10,7 @@ struct NamedStep
     const char* name;
 };
 
+// In the order of the enumeration. The texts are for sentences, so in lower case.
 constexpr NamedStep kSteps[] = {
     {ProcessingStep::None, "none"},
     {ProcessingStep::ImageImport, "image import"},
@@ -44,7 +45,7 @@ QString toString(const ProcessingStep& step)
             return QString::fromLatin1(known.name);
         }
     }
-    return QStringLiteral("unknown");
+    return QStringLiteral("unknown"); // a number that a newer version may know
 }
 
 } // namespace lumo::text

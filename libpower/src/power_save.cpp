@@ -13,7 +13,7 @@ struct State
 {
     std::mutex mutex;
     std::unique_ptr<power::SleepInhibitor> inhibitor;
-    std::string saidReason; ///< of the last refusal
+    std::string loggedReason; ///< of the last refusal; empty after success
 };
 
 State& state()
@@ -32,10 +32,10 @@ void disablePowerSave()
     }
     std::string reason;
     state().inhibitor = power::inhibitSleep(reason);
-    if (state().inhibitor == nullptr && reason != state().saidReason) {
+    if (state().inhibitor == nullptr && reason != state().loggedReason) {
         log::warning() << "The system may go to sleep during processing:" << reason;
     }
-    state().saidReason = reason; // empty after success
+    state().loggedReason = reason;
 }
 
 void enablePowerSave()

@@ -6,9 +6,9 @@
 
 namespace lumo::power {
 
-/// Keeps the operating system from sleeping while it lives; a process that is killed
-/// keeps it no longer. A source file per platform implements it, without Qt in what
-/// it shows.
+/// Prevents the operating system from sleeping during its lifetime, which also ends when
+/// the process is killed. Each platform has a source file that implements it; this
+/// header contains no Qt, so that the Windows file compiles without it.
 class SleepInhibitor
 {
 public:
@@ -18,7 +18,7 @@ public:
     virtual ~SleepInhibitor() = default;
 };
 
-/// \param[out] error  why the system refuses, in UTF-8, where null is returned
+/// \param[out] error  if null is returned the reason, in UTF-8, else untouched
 [[nodiscard]] std::unique_ptr<SleepInhibitor> inhibitSleep(std::string& error);
 
 } // namespace lumo::power

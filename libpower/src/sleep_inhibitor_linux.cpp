@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The login manager's inhibitor lock, as org.freedesktop.login1(5) describes it: it
-// holds as long as a file descriptor of ours is open.
+// The login manager's inhibitor lock (org.freedesktop.login1(5)). The lock lasts until the
+// file descriptor that it returns is closed, which the kernel does for a killed process.
 #include "sleep_inhibitor.h"
 
 #include <QDBusConnection>
@@ -70,7 +70,7 @@ std::unique_ptr<SleepInhibitor> inhibitSleep(std::string& error)
     }
     const auto descriptor = reply.arguments().value(0).value<QDBusUnixFileDescriptor>();
     if (!descriptor.isValid()) {
-        error = "the login manager's answer holds no lock";
+        error = "the login manager's answer contains no lock";
         return nullptr;
     }
     return std::make_unique<LoginManagerLock>(descriptor);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// SetThreadExecutionState speaks for the thread that calls it: the request ends with
-// that thread, and no other thread can take it back. So a thread of its own makes
-// the request, waits, and takes it back.
+// A request by SetThreadExecutionState belongs to the calling thread: it ends with that
+// thread, and no other thread can withdraw it. Therefore a thread of its own makes the
+// request, waits, and withdraws it.
 #include "last_error_windows.h"
 #include "sleep_inhibitor.h"
 

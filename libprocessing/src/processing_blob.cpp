@@ -26,12 +26,14 @@ int percentOf(unsigned long long current, unsigned long long total)
     if (current >= total) {
         return 100;
     }
-    // 100 * current must not overflow; of so many parts the last ones do not count.
+    // 100 * current must not overflow. For such a large total the lost remainder of the
+    // division is far below one percent.
     constexpr auto kLargest = std::numeric_limits<unsigned long long>::max() / 100;
     const auto percent = total > kLargest ? current / (total / 100) : 100 * current / total;
     return static_cast<int>(std::min(percent, 99ULL));
 }
 
+/// The last report that listeners and log received.
 struct PassedOn
 {
     Progress progress;
@@ -43,8 +45,8 @@ struct PassedOn
 struct ProcessingBlob::Shared
 {
     const Clock::duration interval;
-    std::atomic<bool> stop = false; // beside the mutex, so that listeners can use it
-    mutable std::mutex mutex;       // for all that follows; held while listeners are called
+    std::atomic<bool> stop = false; // not guarded by the mutex, so that listeners can use it
+    mutable std::mutex mutex;       // guards all members below; locked while listeners are called
     Progress last;
     std::optional<PassedOn> passedOn; ///< none yet in this run
     std::map<ListenerId, Listener> listeners;
@@ -62,6 +64,7 @@ struct ProcessingBlob::Shared
         if (last == passedOn->progress) {
             return false;
         }
+        // Otherwise a progress bar might stop short of 100 %.
         const bool completes = last.percent == 100 && passedOn->progress.percent < 100;
         return completes || now - passedOn->when >= interval;
     }
@@ -99,6 +102,7 @@ bool ProcessingBlob::shouldStop() const
 
 void ProcessingBlob::progress(int percent, const QString& text)
 {
+    // Before the lock: the time of the report, not of its turn.
     const Clock::time_point now = Clock::now();
     const std::lock_guard lock(m_shared->mutex);
     m_shared->last = {std::clamp(percent, 0, 100), text};
