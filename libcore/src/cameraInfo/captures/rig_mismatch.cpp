@@ -2,7 +2,7 @@
 #include "cameraInfo/captures/rig_mismatch.h"
 
 #include "cameraInfo/rig/rig_signature.h"
-#include "lumo/core/cameraInfo/camera_model_from_db.h"
+#include "lumo/foundation/npos.h"
 
 #include <algorithm>
 #include <functional>

@@ -5,21 +5,18 @@
 #include "lumo/cameradata/camera_data.h"
 #include "lumo/cameradata/camera_params.h"
 #include "lumo/core/export.h"
+#include "lumo/foundation/npos.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <cstddef>
-#include <limits>
 #include <vector>
 
 class QDomElement;
 class QXmlStreamWriter;
 
 namespace lumo {
-
-/// No index, or nothing found.
-inline constexpr std::size_t npos = std::numeric_limits<std::size_t>::max();
 
 /// One entry of the camera model database: the calibrated parameters of a
 /// camera model, or of one camera body of it, with every band configuration in
