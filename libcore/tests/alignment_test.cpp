@@ -3,13 +3,16 @@
 #include "lumo/core/init/alignment_report.h"
 #include "lumo/core/services/core_services.h"
 #include "lumo/core/services/progress_status_service.h"
+#include "lumo/processing/processing_blob.h"
 #include "test_seed.h"
 
 #include <QByteArray>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <random>
+#include <thread>
 
 namespace lumo {
 namespace {
@@ -65,6 +68,32 @@ TEST(Alignment, AStopIsAFailureThatLeavesTheResultAlone)
     serviceProgress().start();
     EXPECT_TRUE(align(problem.pairs, {}, found, error));
     EXPECT_EQ(found.inliers, 80u);
+}
+
+/// What a program sees that aligns on a worker thread and has made no services.
+int exitCodeOfAlignmentWithoutServices()
+{
+    std::mt19937 rng(7);
+    const Problem problem =
+        makeProblem({200, 300, 40}, 0.01, 100, 20, makeTransform(1.0, Vector::Zero()), rng);
+    bool aligned = false;
+    bool stopped = false;
+    std::thread([&] {
+        Alignment found;
+        QString error;
+        aligned = align(problem.pairs, {}, found, error);
+        ProcessingBlob::instance().stop();
+        stopped = !align(problem.pairs, {}, found, error) && error == "stopped";
+    }).join();
+    const bool reported = ProcessingBlob::instance().progress().text == "Transform init.";
+    return aligned && stopped && reported && CoreServices::existing() == nullptr ? 0 : 1;
+}
+
+TEST(AlignmentDeathTest, AThreadThatAlignsDoesNotStartTheServices)
+{
+    // In a fresh process: another test may have made the services of this one.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::exit(exitCodeOfAlignmentWithoutServices()), testing::ExitedWithCode(0), "");
 }
 
 TEST(Alignment, TheUnitOfTheCoordinatesDoesNotMatter)

@@ -45,6 +45,7 @@ TEST(CoreServices, ManyThreadsGetTheSameRegistry)
     EXPECT_EQ(std::set<Addresses>(seen.begin(), seen.end()).size(), 1u);
     EXPECT_NE(std::get<0>(seen.front()), nullptr);
     EXPECT_EQ(&CoreServices::instance().statusBar(), &serviceStatusBar());
+    EXPECT_EQ(CoreServices::existing(), &CoreServices::instance());
 }
 
 TEST(CoreServices, TheStepsOfXmlConversionAreRegistered)

@@ -2,9 +2,8 @@
 #include "lumo/core/init/alignment.h"
 
 #include "init/alignment_geometry.h"
+#include "init/geometry_progress.h"
 #include "lumo/core/init/lumo_optimize_rigid_transform_3d.h"
-#include "lumo/core/services/core_services.h"
-#include "lumo/core/services/progress_status_service.h"
 
 #include <Eigen/Geometry>
 
@@ -45,11 +44,6 @@ void check(const AlignmentOptions& options)
     }
 }
 
-bool stopRequested()
-{
-    return serviceProgress().shouldStop();
-}
-
 double extent(const Points& points)
 {
     Eigen::AlignedBox3d box;
@@ -69,7 +63,7 @@ OptimiseRigidTransform3D makeEstimate(const Problem& problem, std::mt19937& gene
     estimate.setOutlierRatio(std::min(1.0, problem.options.outlierRatio + onePair));
     estimate.setNrSample(problem.options.samplePairs);
     estimate.setLogSamples(false);
-    estimate.setStopRequest(stopRequested);
+    estimate.setStopRequest(geometryProgress::stopRequested);
     return estimate;
 }
 
@@ -233,8 +227,8 @@ bool align(
             pairs.sigmas.empty()
                 ? alignWithSigmas(pairs, estimateSigmas(pairs, options), options, found, fault)
                 : alignWithSigmas(pairs, pairs.sigmas, options, found, fault);
-        if (!done || stopRequested()) {
-            error = stopRequested() ? QStringLiteral("stopped") : fault;
+        if (!done || geometryProgress::stopRequested()) {
+            error = geometryProgress::stopRequested() ? QStringLiteral("stopped") : fault;
             return false;
         }
         alignment = std::move(found);

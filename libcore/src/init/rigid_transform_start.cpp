@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // How OptimiseRigidTransform3D finds the transform to start from.
+#include "init/geometry_progress.h"
 #include "init/rigid_residuals.h"
 #include "lumo/core/init/lumo_optimize_rigid_transform_3d.h"
-#include "lumo/core/services/core_services.h"
-#include "lumo/core/services/progress_status_service.h"
 #include "lumo/foundation/log.h"
 #include "lumo/mathematics/random_indices.h"
 #include "lumo/mathematics/transform_optimisation.h"
@@ -159,7 +158,7 @@ void OptimiseRigidTransform3D::runTrials(Trials& trials)
 {
     const auto last = static_cast<std::uint32_t>(m_points1.size() - 1);
     do {
-        serviceProgress().setProgress(
+        geometryProgress::report(
             trials.counter, m_nrTrials, QStringLiteral("Transform init."));
         ++trials.counter;
         const std::vector<std::uint32_t> sample =

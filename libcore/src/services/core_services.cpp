@@ -8,12 +8,34 @@
 #include "lumo/core/xml/register_xml_converters.h"
 #include "lumo/optimisation/ceres_logger.h"
 
+#include <atomic>
+
 namespace lumo {
+
+namespace {
+
+std::atomic<CoreServices*> theExisting = nullptr;
+
+/// The registry of the process. It is announced when all services are there, and
+/// withdrawn before the first of them is deleted.
+class ProcessServices : public CoreServices
+{
+public:
+    ProcessServices() { theExisting = this; }
+    ~ProcessServices() override { theExisting = nullptr; }
+};
+
+} // namespace
 
 CoreServices& CoreServices::instance()
 {
-    static CoreServices theOne;
+    static ProcessServices theOne;
     return theOne;
+}
+
+CoreServices* CoreServices::existing() noexcept
+{
+    return theExisting;
 }
 
 CoreServices::CoreServices()

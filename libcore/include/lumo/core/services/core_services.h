@@ -23,6 +23,9 @@ class LUMO_CORE_EXPORT CoreServices
 {
 public:
     static CoreServices& instance();
+    /// The registry if instance() has made it, else null. Makes nothing, so that code
+    /// that runs on any thread can use the services of an application that has them.
+    [[nodiscard]] static CoreServices* existing() noexcept;
 
     CoreServices(const CoreServices&) = delete;
     CoreServices& operator=(const CoreServices&) = delete;
