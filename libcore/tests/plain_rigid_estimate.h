@@ -129,8 +129,7 @@ public:
         sumOfWeights();
     }
 
-    /// \param solverFunction  minimises g() and dg() of `object`
-    void compute(optimization::LevenbergMarquardtFunction solverFunction)
+    void compute(const optimization::LeastSquaresFunctions& functions)
     {
         Points residuals;
         for (std::size_t i = 0; i < weights.size(); ++i) {
@@ -142,8 +141,8 @@ public:
         Eigen::VectorXd x = transform.parameters();
         Eigen::VectorXd bestX = x;
         for (int r = 0; (bestDet >= 0.2 && r < 20) || r <= 2; ++r) {
-            optimization::levenbergMarquardt(
-                solverFunction, this, x.data(), 7, static_cast<int>(3 * weights.size()), 1e-14, 0);
+            static_cast<void>(optimization::levenbergMarquardt(
+                functions, x.data(), 7, static_cast<int>(3 * weights.size()), 1e-14, 0));
             transform.set(x);
             updateNoise();
             if (bestDet >= noise.determinant()) {

@@ -40,15 +40,18 @@ public:
         , m_functions(estimateOf(scene, nullptr))
     {}
 
-    void compute() { PlainRigidEstimate::compute(solve); }
+    void compute()
+    {
+        PlainRigidEstimate::compute(
+            {.residuals = [this](const double* x, double* f) { functions().g(x, f); },
+             .jacobian = [this](const double* x, double* jac) { functions().dg(x, jac); }});
+    }
 
 private:
-    static int solve(void* object, int, int, const double* x, double* f, double* jac, int, int flag)
+    const OptimiseRigidTransform3D& functions()
     {
-        auto& self = *static_cast<PlainWithSolver*>(static_cast<PlainRigidEstimate*>(object));
-        Access::setSolverState(self.m_functions, self.weights, self.noise);
-        flag == 1 ? self.m_functions.g(x, f) : self.m_functions.dg(x, jac);
-        return 0;
+        Access::setSolverState(m_functions, weights, noise);
+        return m_functions;
     }
 
     OptimiseRigidTransform3D m_functions;

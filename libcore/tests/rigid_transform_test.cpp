@@ -111,7 +111,7 @@ TEST(OptimiseRigidTransform3D, OnePointIsMovedAndTwoAreTurned)
 TEST(OptimiseRigidTransform3D, ThreeAndFourPointsAreFittedInClosedForm)
 {
     std::mt19937 rng(testSeed());
-    for (const std::size_t n : {3, 4}) {
+    for (const std::size_t n : {3U, 4U}) {
         const RigidScene scene({.n = n, .noise = 1e-9}, rng);
         const std::mt19937 before = rng;
         const log::Capture logged;
@@ -142,7 +142,7 @@ TEST(OptimiseRigidTransform3D, ThreeAndFourPointsAreFittedInClosedForm)
 TEST(OptimiseRigidTransform3D, WithoutPointsOrGeneratorThereIsNoStart)
 {
     EXPECT_FALSE(OptimiseRigidTransform3D({}, {}, nullptr).init());
-    for (const std::size_t n : {3, 4, 5, 9}) {
+    for (const std::size_t n : {3U, 4U, 5U, 9U}) {
         const Points points(n, Vector3d::Zero());
         OptimiseRigidTransform3D estimate(points, points, nullptr);
         const log::Capture logged;

@@ -67,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(NoiseAndOutliers, PerfectResidualsAreInliers)
 {
     for (const double size : {0.0, 1e-300, 1e-9}) {
-        for (const std::size_t count : {1, 2, 50}) {
+        for (const std::size_t count : {1U, 2U, 50U}) {
             Residuals residuals(count, Vector3d(size, -size, 0.0));
             std::vector<double> weights(count);
             const auto [noise, pOut] = estimateNoiseAndOutlierProbability(residuals, weights);

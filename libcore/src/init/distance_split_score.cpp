@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where OptimiseRigidTransform3D splits residual lengths into noise and outliers.
+// OptimiseRigidTransform3D: where residual lengths split into noise and outliers.
+#include "init/rigid_residuals.h"
 #include "lumo/core/init/histogram.h"
 #include "lumo/core/init/lumo_optimize_rigid_transform_3d.h"
 #include "lumo/foundation/log.h"
@@ -39,20 +40,24 @@ Split splitAfter(
     return split;
 }
 
-} // namespace
-
-std::vector<double> OptimiseRigidTransform3D::residualLengths() const
+/// |p1 - transform(p2)|, not divided by sigmas.
+std::vector<double> residualLengths(
+    const rigidResiduals::Columns& pairs, const math::RigidTransform3D& transform)
 {
-    std::vector<double> lengths(m_points1.size());
+    std::vector<double> lengths(pairs.size);
     for (std::size_t i = 0; i < lengths.size(); ++i) {
-        lengths[i] = (centred1(i) - m_transform.transform(centred2(i))).norm();
+        const Eigen::Vector3d moved = transform.transform(rigidResiduals::listed(pairs, 1, i));
+        lengths[i] = (rigidResiduals::listed(pairs, 0, i) - moved).norm();
     }
     return lengths;
 }
 
+} // namespace
+
 double OptimiseRigidTransform3D::computeScore(double smallestSigma, double& outlierThreshold) const
 {
-    std::vector<double> lengths = residualLengths();
+    std::vector<double> lengths =
+        residualLengths({m_columns.data(), m_weights.size()}, m_transform);
     std::sort(lengths.begin(), lengths.end());
     const double n = static_cast<double>(lengths.size());
     double best = kNoScore;
@@ -79,7 +84,8 @@ double OptimiseRigidTransform3D::computeScore(double smallestSigma, double& outl
 double OptimiseRigidTransform3D::computeScoreHist(
     double smallestSigma, double& outlierThreshold) const
 {
-    const std::vector<double> lengths = residualLengths();
+    const std::vector<double> lengths =
+        residualLengths({m_columns.data(), m_weights.size()}, m_transform);
     if (lengths.size() < 2) {
         return kNoScore;
     }

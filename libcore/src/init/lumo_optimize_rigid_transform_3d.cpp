@@ -89,7 +89,6 @@ OptimiseRigidTransform3D::OptimiseRigidTransform3D(
     log::debug() << "opt rigid trans center2 " << m_centre2[0] << m_centre2[1] << m_centre2[2];
     m_columns = rigidResiduals::columnsOf(
         relativeTo(m_centre1, points1), relativeTo(m_centre2, points2), sigmas);
-    m_scratch.resize(points1.size());
     m_noise.setDeterminantBounds(kMinimumNoise, kMaximumNoise);
 }
 
@@ -98,14 +97,6 @@ OptimiseRigidTransform3D::OptimiseRigidTransform3D(
     : OptimiseRigidTransform3D(
           points1, points2, Points(points1.size(), Eigen::Vector3d::Ones()), rng)
 {}
-
-Eigen::Vector3d OptimiseRigidTransform3D::listed(std::size_t list, std::size_t i) const
-{
-    const rigidResiduals::Columns columns{m_columns.data(), m_weights.size()};
-    return {
-        columns.column(3 * list)[i], columns.column(3 * list + 1)[i],
-        columns.column(3 * list + 2)[i]};
-}
 
 void OptimiseRigidTransform3D::setOutlierRatio(double ratio)
 {

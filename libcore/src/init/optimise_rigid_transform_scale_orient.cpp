@@ -225,23 +225,15 @@ void OptimiseRigidTransformScaleOrient::dg(const double* x, double* jac)
     }
 }
 
-int OptimiseRigidTransformScaleOrient::solverCallback(
-    void* object, int /*m*/, int /*n*/, const double* x, double* f, double* jac,
-    int /*leadingDimension*/, int flag)
-{
-    auto& self = *static_cast<OptimiseRigidTransformScaleOrient*>(object);
-    if (flag == 1) {
-        self.g(x, f);
-    } else if (flag == 2) {
-        self.dg(x, jac);
-    }
-    return 0;
-}
-
 void OptimiseRigidTransformScaleOrient::LevenbergMarquardt(
     void* object, double* x, int n, int m, double tolerance, int verbose)
 {
-    optimization::levenbergMarquardt(solverCallback, object, x, n, m, tolerance, verbose);
+    auto& self = *static_cast<OptimiseRigidTransformScaleOrient*>(object);
+    // How it ended does not matter: x is the best found in any case.
+    static_cast<void>(optimization::levenbergMarquardt(
+        {.residuals = [&](const double* at, double* f) { self.g(at, f); },
+         .jacobian = [&](const double* at, double* jac) { self.dg(at, jac); }},
+        x, n, m, tolerance, verbose));
 }
 
 void OptimiseRigidTransformScaleOrient::compute()

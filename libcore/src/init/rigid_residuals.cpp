@@ -89,6 +89,12 @@ std::vector<double> columnsOf(
     return columns;
 }
 
+Eigen::Vector3d listed(const Columns& pairs, std::size_t list, std::size_t i)
+{
+    return {
+        pairs.column(3 * list)[i], pairs.column(3 * list + 1)[i], pairs.column(3 * list + 2)[i]};
+}
+
 Eigen::Vector3d normalised(
     const Columns& pairs, const math::RigidTransform3D& transform, std::size_t i)
 {

@@ -26,6 +26,9 @@ struct Columns
 
 constexpr std::size_t kColumns = 9;
 
+/// Entry i of a list: 0 points 1, 1 points 2, 2 sigmas.
+[[nodiscard]] Eigen::Vector3d listed(const Columns& pairs, std::size_t list, std::size_t i);
+
 /// The 9 columns of three lists of equal length.
 [[nodiscard]] std::vector<double> columnsOf(
     const std::vector<Eigen::Vector3d>& points1, const std::vector<Eigen::Vector3d>& points2,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// How OptimiseRigidTransform3D refines a transform.
+// OptimiseRigidTransform3D: refining the transform.
 #include "init/rigid_residuals.h"
 #include "lumo/core/init/lumo_optimize_rigid_transform_3d.h"
 #include "lumo/foundation/log.h"
@@ -18,6 +18,7 @@ namespace {
 
 using rigidResiduals::Columns;
 using rigidResiduals::Weighted;
+using Noise = GaussNoiseDiagonal<double, 3>;
 
 constexpr int kParameters = 7;
 constexpr double kTolerance = 1e-14;
@@ -27,17 +28,60 @@ constexpr double kNoDeterminant = 1e256;
 /// Of such a length, in sigmas, a residual is an outlier's, and its square still a number.
 constexpr double kLargestResidual = 1e140;
 
-int solverFunction(
-    void* object, int /*m*/, int /*n*/, const double* x, double* f, double* jac,
-    int leadingDimension, int flag)
+/// Sets all weights to 1, with a warning, where their sum vanishes or the pairs are too few.
+/// \returns the sum of the weights then
+double resetSmallWeights(double sum, std::vector<double>& weights)
 {
-    const auto& weighted = *static_cast<const Weighted*>(object);
-    if (flag == 1) {
-        rigidResiduals::functions(weighted, x, f);
-    } else if (flag == 2) {
-        rigidResiduals::jacobian(weighted, x, jac, static_cast<std::size_t>(leadingDimension));
+    const std::size_t n = weights.size();
+    if (sum > kSmallestWeightSum && n >= kFewestForNoise) {
+        return sum;
     }
-    return 0;
+    log::warning() << "WARNING small weight " << sum << " / nrPoints " << n;
+    std::fill(weights.begin(), weights.end(), 1.0);
+    return static_cast<double>(n);
+}
+
+/// \returns the sum of the weights
+double updateWeights(
+    const Columns& pairs, const math::RigidTransform3D& transform, double pOut, const Noise& noise,
+    std::vector<double>& weights)
+{
+    // A density far above that of outliers would round to 1.
+    constexpr double kLargestWeight = 1.0 - std::numeric_limits<double>::epsilon() / 2.0;
+    const Eigen::Vector3d& inverse = noise.inverseVariance();
+    double sum = 0.0;
+    for (std::size_t i = 0; i < pairs.size; ++i) {
+        const Eigen::Vector3d e = rigidResiduals::normalised(pairs, transform, i);
+        const double exponent =
+            e[0] * e[0] * inverse[0] + e[1] * e[1] * inverse[1] + e[2] * e[2] * inverse[2];
+        const double p = noise.normalisation() * std::exp(-0.5 * exponent);
+        weights[i] = std::min(p / (p + pOut), kLargestWeight);
+        sum += weights[i];
+    }
+    return sum;
+}
+
+/// One noise update: the noise from the weights, then the weights from the noise.
+/// \returns the sum of the weights
+double updateNoise(
+    const Columns& pairs, const math::RigidTransform3D& transform, double pOut, Noise& noise,
+    std::vector<double>& weights)
+{
+    static_cast<void>(
+        resetSmallWeights(std::accumulate(weights.begin(), weights.end(), 0.0), weights));
+    noise.clear();
+    for (std::size_t i = 0; i < pairs.size; ++i) {
+        noise.add(rigidResiduals::normalised(pairs, transform, i), weights[i]);
+    }
+    noise.finish();
+    const double sum =
+        resetSmallWeights(updateWeights(pairs, transform, pOut, noise, weights), weights);
+    const Eigen::Vector3d& variance = noise.variance();
+    log::debug() << "compute noise with tol pOut: " << pOut
+                 << " inlierRatio: " << sum / static_cast<double>(pairs.size)
+                 << " det: " << noise.determinant() << " cov: " << variance[0] << variance[1]
+                 << variance[2];
+    return sum;
 }
 
 } // namespace
@@ -87,62 +131,25 @@ void OptimiseRigidTransform3D::computeNoise(int iterations)
 {
     double sum = 0.0;
     for (int i = 0; i < iterations; ++i) {
-        sum = computeNoiseOnce();
+        sum = updateNoise(
+            {m_columns.data(), m_weights.size()}, m_transform, m_pOut, m_noise, m_weights);
     }
     m_inlierRatio = sum / static_cast<double>(m_weights.size());
-}
-
-double OptimiseRigidTransform3D::computeNoiseOnce()
-{
-    static_cast<void>(resetSmallWeights(std::accumulate(m_weights.begin(), m_weights.end(), 0.0)));
-    const Columns pairs{m_columns.data(), m_weights.size()};
-    m_noise.clear();
-    for (std::size_t i = 0; i < pairs.size; ++i) {
-        m_noise.add(rigidResiduals::normalised(pairs, m_transform, i), m_weights[i]);
-    }
-    m_noise.finish();
-    const double sum = resetSmallWeights(updateWeights());
-    const Eigen::Vector3d& variance = m_noise.variance();
-    log::debug() << "compute noise with tol pOut: " << m_pOut
-                 << " inlierRatio: " << sum / static_cast<double>(pairs.size)
-                 << " det: " << m_noise.determinant() << " cov: " << variance[0] << variance[1]
-                 << variance[2];
-    return sum;
-}
-
-double OptimiseRigidTransform3D::updateWeights()
-{
-    // A density far above that of outliers would round to 1.
-    constexpr double kLargestWeight = 1.0 - std::numeric_limits<double>::epsilon() / 2.0;
-    const Columns pairs{m_columns.data(), m_weights.size()};
-    const Eigen::Vector3d& inverse = m_noise.inverseVariance();
-    double sum = 0.0;
-    for (std::size_t i = 0; i < pairs.size; ++i) {
-        const Eigen::Vector3d e = rigidResiduals::normalised(pairs, m_transform, i);
-        const double exponent =
-            e[0] * e[0] * inverse[0] + e[1] * e[1] * inverse[1] + e[2] * e[2] * inverse[2];
-        const double p = m_noise.normalisation() * std::exp(-0.5 * exponent);
-        m_weights[i] = std::min(p / (p + m_pOut), kLargestWeight);
-        sum += m_weights[i];
-    }
-    return sum;
-}
-
-double OptimiseRigidTransform3D::resetSmallWeights(double sum)
-{
-    const std::size_t n = m_weights.size();
-    if (sum > kSmallestWeightSum && n >= kFewestForNoise) {
-        return sum;
-    }
-    log::warning() << "WARNING small weight " << sum << " / nrPoints " << n;
-    std::fill(m_weights.begin(), m_weights.end(), 1.0);
-    return static_cast<double>(n);
 }
 
 void OptimiseRigidTransform3D::optimizeLevenbergMarquardt(
     void* object, double* x, int n, int m, double tolerance, int verbose)
 {
-    optimization::levenbergMarquardt(solverFunction, object, x, n, m, tolerance, verbose);
+    const auto& weighted = *static_cast<const Weighted*>(object);
+    // How it ended does not matter: x is the best found in any case.
+    static_cast<void>(optimization::levenbergMarquardt(
+        {.residuals = [&](const double* at,
+                          double* f) { rigidResiduals::functions(weighted, at, f); },
+         .jacobian =
+             [&](const double* at, double* jac) {
+                 rigidResiduals::jacobian(weighted, at, jac, 3 * weighted.pairs.size);
+             }},
+        x, n, m, tolerance, verbose));
 }
 
 void OptimiseRigidTransform3D::compute()

@@ -112,48 +112,22 @@ private:
 
     using Points = std::vector<Eigen::Vector3d>;
 
-    // The lists are kept in columns only; of a million pairs each takes 24 MB.
-    [[nodiscard]] Eigen::Vector3d centred1(std::size_t i) const { return listed(0, i); }
-    [[nodiscard]] Eigen::Vector3d centred2(std::size_t i) const { return listed(1, i); }
-    [[nodiscard]] Eigen::Vector3d sigma(std::size_t i) const { return listed(2, i); }
-    [[nodiscard]] Eigen::Vector3d listed(std::size_t list, std::size_t i) const;
-
     [[nodiscard]] bool init1();
     [[nodiscard]] bool init2();
     [[nodiscard]] bool init3();
     [[nodiscard]] bool init4();
-    [[nodiscard]] bool initFromFirst(std::size_t count);
-    [[nodiscard]] bool initFromSamples();
-    void logCounts() const;
-    void logPairs() const;
-
-    // The random search.
-    struct Trials;
-    void runTrials(Trials& trials);
-    void scoreSample(Trials& trials);
-    /// Whether the score of the transform is certainly above `best`; may say
-    /// no where it is.
-    [[nodiscard]] bool scoresAbove(double best) const;
-    /// Fits the transform to `sample` in closed form; false if that fails.
+    /// Fits the transform to the pairs `sample` in closed form; false if they do not
+    /// determine one.
     [[nodiscard]] bool estimateTransform(const std::vector<std::uint32_t>& sample);
-
     /// The quantile of the residual lengths, and weights of 0 and 1.
     double computeMedian();
-    [[nodiscard]] double median(bool log);
-    /// k: element k of the sorted d_i is the quantile.
-    [[nodiscard]] std::size_t quantileIndex() const;
-
     /// The weighted mean of d_i.
     [[nodiscard]] double computeEnergy() const;
     void initNoise();
     void computeNoise(int iterations);
-    [[nodiscard]] double computeNoiseOnce();
-    [[nodiscard]] double updateWeights();
-    [[nodiscard]] double resetSmallWeights(double sum);
     void optimizeLevenbergMarquardt(
         void* object, double* x, int n, int m, double tolerance, int verbose);
 
-    [[nodiscard]] std::vector<double> residualLengths() const; ///< unnormalised
     /// Where the sorted unnormalised residual lengths are best split into a
     /// Gaussian and uniform outliers.
     /// \param smallestSigma  a standard deviation below it counts as it
@@ -186,9 +160,9 @@ private:
     bool m_logSamples = true;
     std::function<bool()> m_shouldStop;
     /// Centred points 1, centred points 2 and sigmas, each as columns x, y, z
-    /// of n numbers: what the loops over all points run along.
+    /// of n numbers: what the loops over all points run along. Only here: of a
+    /// million pairs each list takes 24 MB.
     std::vector<double> m_columns;
-    std::vector<double> m_scratch; ///< n numbers to select from
 };
 
 } // namespace lumo

@@ -83,9 +83,6 @@ private:
     [[nodiscard]] bool lengthsAgree() const;
     [[nodiscard]] Eigen::Vector3d residual(std::size_t i) const;
     void startAlongAxis(int axis);
-    static int solverCallback(
-        void* object, int m, int n, const double* x, double* f, double* jac, int leadingDimension,
-        int flag);
 
     std::vector<double> m_scales1;
     std::vector<double> m_scales2;
