@@ -131,9 +131,10 @@ class Told : public ErrorEstimatorThresholdBase
 {
 public:
     Told(std::size_t inliers, double error)
-        : ErrorEstimatorThresholdBase(2.0)
+        : ErrorEstimatorThresholdBase(9.0)
     {
-        m_inlierIndices.resize(inliers);
+        setThreshold(2.0);
+        m_inlierIndices.resize(inliers, 4);
         m_meanSquareError = error;
         m_sampleSize = 20;
     }
@@ -157,6 +158,7 @@ TEST(ErrorEstimatorThresholdBase, ResetKeepsTheThresholdOnly)
     EXPECT_EQ(estimator.numInlier() + estimator.sampleSize(), 0u);
     EXPECT_EQ(estimator.meanSquareError(), 0.0);
     EXPECT_EQ(copy.inlierFraction(), 0.5);
+    EXPECT_EQ(copy.inlierIndices(), std::vector<std::size_t>(10, 4));
     std::ostringstream stream;
     stream << copy << '|' << ErrorEstimatorThresholdBase();
     EXPECT_EQ(stream.str(), "10 inlier, MSE 5|0 inlier, MSE -1");
