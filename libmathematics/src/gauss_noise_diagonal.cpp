@@ -86,6 +86,20 @@ bool GaussNoiseDiagonal<Scalar, kDimension>::finish()
 }
 
 template <typename Scalar, int kDimension>
+Scalar GaussNoiseDiagonal<Scalar, kDimension>::determinant() const
+{
+    const Scalar product = m_variance.prod();
+    // The exponent 1/3 is rounded, so that the cube root of 1e256 is off by 1e-13 of itself.
+    constexpr Scalar kRounding = Scalar(1e-12);
+    for (const Scalar bound : {m_minimumDeterminant, m_maximumDeterminant}) {
+        if (std::abs(product - bound) <= kRounding * bound) {
+            return bound;
+        }
+    }
+    return product;
+}
+
+template <typename Scalar, int kDimension>
 Scalar GaussNoiseDiagonal<Scalar, kDimension>::density(const Vector& value) const
 {
     return m_normalisation * std::exp(Scalar(-0.5) * value.cwiseAbs2().dot(m_inverseVariance));

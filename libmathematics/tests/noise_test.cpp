@@ -79,6 +79,8 @@ TEST_P(GaussNoiseDiagonalBounds, HoldTheDeterminant)
         EXPECT_NEAR(noise.variance()[k] / variance[k], 1.0, 1e-12) << k;
         EXPECT_DOUBLE_EQ(noise.inverseVariance()[k] * noise.variance()[k], 1.0) << k;
     }
+    const double bound = variance.prod() < 1.0 ? 1e-6 : 1e256;
+    EXPECT_EQ(noise.determinant() == bound, !within); // to the last bit
     const double peak = 1.0 / std::sqrt(std::pow(2.0 * std::numbers::pi, 3.0) * variance.prod());
     EXPECT_NEAR(noise.density(Vector3d::Zero()) / peak, 1.0, 1e-12);
     const Vector3d sigma = variance.cwiseSqrt();

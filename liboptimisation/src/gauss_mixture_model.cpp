@@ -17,8 +17,12 @@ using Noise = GaussNoiseDiagonal<double, 3>;
 constexpr double kLargestResidual = 1e150; // its square is finite
 constexpr double kMinimumDeterminant = 1e-6;
 constexpr double kMaximumDeterminant = 1e256;
-constexpr double kStartShare = 0.3;
-constexpr double kStartQuantile = 0.385320466407568; // of |x| of a unit Gaussian at that share
+constexpr double kStartShare = 0.7;
+constexpr double kStartQuantile = 1.036433389493790; // of |x| of a unit Gaussian at that share
+constexpr double kPriorResiduals = 2.0;
+constexpr double kEnoughInliers = 10.0;
+constexpr double kParametersPerAxis = 7.0 / 3.0; // of a similarity transform
+constexpr double kSmallestFreedom = 0.5;         // of an axis, where fewer than three pairs fit
 constexpr double kBoxSigmas = 6.0;
 constexpr double kTolerance = 1e-3;
 constexpr int kMaxSteps = 100;
@@ -36,9 +40,20 @@ void check(const Residuals& residuals, const std::vector<double>& weights)
     }
 }
 
-Noise startNoise(const Residuals& residuals)
+Noise noiseOf(const Eigen::Vector3d& variance)
 {
-    Eigen::Vector3d sigma;
+    Noise noise;
+    noise.setDeterminantBounds(kMinimumDeterminant, kMaximumDeterminant);
+    noise.clear();
+    noise.add(variance.cwiseSqrt(), 1.0);
+    noise.finish();
+    return noise;
+}
+
+/// On each axis the variance of which `kStartShare` of the residuals would be the quantile.
+Eigen::Vector3d startVariance(const Residuals& residuals)
+{
+    Eigen::Vector3d variance;
     std::vector<double> lengths(residuals.size());
     const auto position = static_cast<std::ptrdiff_t>(
         kStartShare * static_cast<double>(residuals.size())); // below the size
@@ -47,14 +62,23 @@ Noise startNoise(const Residuals& residuals)
             residuals.begin(), residuals.end(), lengths.begin(),
             [axis](const Eigen::Vector3d& residual) { return std::abs(residual[axis]); });
         std::nth_element(lengths.begin(), lengths.begin() + position, lengths.end());
-        sigma[axis] = lengths[static_cast<std::size_t>(position)] / kStartQuantile;
+        const double sigma = lengths[static_cast<std::size_t>(position)] / kStartQuantile;
+        variance[axis] = sigma * sigma;
     }
-    Noise noise;
-    noise.setDeterminantBounds(kMinimumDeterminant, kMaximumDeterminant);
-    noise.clear();
-    noise.add(sigma, 1.0);
-    noise.finish();
-    return noise;
+    return variance;
+}
+
+/// \param w  the sum of the weights
+Noise noiseOf(
+    const Residuals& residuals, const std::vector<double>& weights, double w,
+    const Eigen::Vector3d& start)
+{
+    const double prior = w < kEnoughInliers ? kPriorResiduals : 0.0;
+    Eigen::Vector3d sum = prior * start;
+    for (std::size_t i = 0; i < residuals.size(); ++i) {
+        sum += weights[i] * residuals[i].cwiseAbs2();
+    }
+    return noiseOf(sum / std::max(w + prior - kParametersPerAxis, kSmallestFreedom));
 }
 
 Eigen::Vector3d widthOf(const Residuals& residuals)
@@ -104,7 +128,8 @@ std::pair<Noise, double> estimateNoiseAndOutlierProbability(
         noise.setDeterminantBounds(kMinimumDeterminant, kMaximumDeterminant);
         return {noise, std::numeric_limits<double>::min()};
     }
-    Noise noise = startNoise(residuals);
+    const Eigen::Vector3d start = startVariance(residuals);
+    Noise noise = noiseOf(start);
     const Eigen::Vector3d width = widthOf(residuals);
     const double n = static_cast<double>(residuals.size());
     double odds = 1.0;
@@ -115,11 +140,7 @@ std::pair<Noise, double> estimateNoiseAndOutlierProbability(
             break; // nothing is an inlier: no noise can be found from it
         }
         const double before = noise.determinant();
-        noise.clear();
-        for (std::size_t i = 0; i < residuals.size(); ++i) {
-            noise.add(residuals[i], weights[i]);
-        }
-        noise.finish();
+        noise = noiseOf(residuals, weights, w, start);
         const double oddsBefore = odds;
         odds = (n - w + 1.0) / (w + 1.0);
         if (hasSettled(before, noise.determinant()) && hasSettled(oddsBefore, odds)) {

@@ -51,10 +51,21 @@ TEST_P(NoiseAndOutliers, AreThoseThatMadeTheResiduals)
     }
     const double inliers = std::accumulate(weights.begin(), weights.end(), 0.0);
     EXPECT_NEAR(inliers / kCount, 1.0 - share, 0.02);
+    Eigen::Array3d squares(0, 0, 0);
+    Eigen::Array3d lowest(0, 0, 0);
+    Eigen::Array3d highest(0, 0, 0);
     for (std::size_t i = 0; i < kCount; ++i) {
         const double p = noise.density(residuals[i]);
         ASSERT_DOUBLE_EQ(weights[i], p / (p + pOut));
+        squares += weights[i] * residuals[i].array().square();
+        lowest = lowest.min(residuals[i].array());
+        highest = highest.max(residuals[i].array());
     }
+    // It stopped where one more step changes neither the noise nor the odds.
+    const double determinant = (squares / (inliers - 7.0 / 3.0)).prod();
+    EXPECT_NEAR(determinant / noise.determinant(), 1.0, 1e-3);
+    const double odds = pOut * (highest - lowest).prod();
+    EXPECT_NEAR((kCount - inliers + 1.0) / (inliers + 1.0) / odds, 1.0, 1e-3);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -62,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Mixture{0.0, {1, 1, 1}, 1.0}, Mixture{0.1, {1, 2, 5}, 100.0},
         Mixture{0.3, {0.2, 0.3, 0.4}, 1e6}, Mixture{0.5, {1, 1, 1}, 1e3},
-        Mixture{0.5, {1, 3, 2}, 50.0}));
+        Mixture{0.5, {1, 3, 2}, 50.0}, Mixture{0.4, {1, 1, 1}, 6.0}));
 
 TEST(NoiseAndOutliers, PerfectResidualsAreInliers)
 {

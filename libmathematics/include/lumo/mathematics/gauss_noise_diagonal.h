@@ -53,8 +53,10 @@ public:
     [[nodiscard]] Scalar maximumDeterminant() const noexcept { return m_maximumDeterminant; }
     /// The density at zero: 1 / sqrt((2 pi)^dimension determinant).
     [[nodiscard]] Scalar normalisation() const noexcept { return m_normalisation; }
-    /// Determinant of the covariance matrix: the product of the variances.
-    [[nodiscard]] Scalar determinant() const { return m_variance.prod(); }
+    /// Determinant of the covariance matrix: the product of the variances. Where rounding
+    /// alone keeps that from a bound it is the bound exactly, so that two determinants that
+    /// were raised to the bound are equal.
+    [[nodiscard]] Scalar determinant() const;
 
     /// normalisation * exp(-1/2 sum of value_k^2 / variance_k).
     [[nodiscard]] Scalar density(const Vector& value) const;

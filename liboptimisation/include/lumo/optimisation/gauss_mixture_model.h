@@ -18,13 +18,19 @@ namespace lumo::gaussMixtureModel {
 /// Model: a residual is, with probability a, of a zero-mean Gaussian with
 /// diagonal covariance, and else anywhere in a box with equal density u. The
 /// box is as wide on each axis as the residuals are, but at least 6 standard
-/// deviations of the Gaussian, so that residuals without outliers are not taken
-/// for some. Where n residuals are inliers by w, a = (w + 1) / (n + 2), so that
-/// neither kind is ever excluded.
+/// deviations of the Gaussian: else residuals without outliers would be split.
+/// Where n residuals are inliers by w, a = (w + 1) / (n + 2), so that neither
+/// kind is ever excluded.
 ///
-/// Start: a = 1/2, and on each axis the standard deviation for which 30 % of
-/// the residuals would be as small as they are, if all were inliers: outliers
-/// up to two thirds cannot make it arbitrarily large.
+/// The residuals are taken to be those of a fit of seven parameters: with W the
+/// sum of the weights, 3 W - 7 of the 3 W numbers are free.
+///
+/// Start: a = 1/2, and on each axis the standard deviation s for which 70 % of
+/// the residuals would be as small as they are, if all were inliers. So high a
+/// quantile is not that of the few pairs that a transform was fitted to exactly.
+/// With fewer than ten inliers s also counts as two residuals, which keeps
+/// the Gaussian from shrinking onto those pairs; ten carry 30 numbers, enough
+/// to estimate three variances without it.
 ///
 /// Stop: when in one step the determinant of the covariance and the odds
 /// (1 - a) / a both change by less than 1e-3 of themselves, or after 100 steps.
