@@ -20,15 +20,9 @@ if(LUMO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
         ${LUMO_CCACHE})
 endif()
 
-# A folder whose code is free of implicit changes of sign sets this variable, and its
-# targets are kept so.
-define_property(TARGET PROPERTY LUMO_SIGN_CONVERSION
-    INITIALIZE_FROM_VARIABLE LUMO_SIGN_CONVERSION)
-
 add_library(lumo_warnings INTERFACE)
 target_compile_options(lumo_warnings INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-    -W$<$<NOT:$<BOOL:$<TARGET_PROPERTY:LUMO_SIGN_CONVERSION>>>:no->sign-conversion
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
     -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wcast-align
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized> # false alarms in Eigen's inlined code
     $<$<BOOL:${LUMO_WARNINGS_AS_ERRORS}>:-Werror>)

@@ -39,7 +39,7 @@ QJsonObject toJson(const CameraModelFromDB& model)
         {"pixelSizeUm", shownNumber(params.pixelSize * kMicrometresPerMillimetre)},
         {"principalPointMm",
          QJsonArray{shownNumber(params.principalPointXMm), shownNumber(params.principalPointYMm)}},
-        {"lens", lensText(params.lensType)},
+        {"lens", text::toString(params.lensType)},
         {"focalLengthMm", shownNumber(params.perspective.focalLengthMm)},
         {"shutterModel", params.shutterModel},
         {"lineReadoutTimeMs", shownNumber(params.lineReadoutTime)},
@@ -86,7 +86,7 @@ QStringList toRow(const CameraModelFromDB& model)
         text::toString(params.source),
         QStringLiteral("%1x%2").arg(params.imageWidth).arg(params.imageHeight),
         QString::number(params.pixelSize * kMicrometresPerMillimetre, 'f', 3),
-        lensText(params.lensType),
+        text::toString(params.lensType),
         model.defaultBands().names().join(QStringLiteral(", ")),
     };
 }
@@ -151,7 +151,7 @@ QString toText(const CameraModelFromDB& model)
          {"pixel size (um)", number(params.pixelSize * kMicrometresPerMillimetre)},
          {"principal point (mm)",
           number(params.principalPointXMm) + QLatin1Char(' ') + number(params.principalPointYMm)},
-         {"lens", lensText(params.lensType)},
+         {"lens", text::toString(params.lensType)},
          {"focal length (mm)", number(params.perspective.focalLengthMm)},
          {"shutter model", QString::number(params.shutterModel)},
          {"line read-out time (ms)", number(params.lineReadoutTime)},

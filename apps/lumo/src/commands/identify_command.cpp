@@ -48,7 +48,7 @@ QJsonObject toJson(const QString& file, const ExifInfo& exif, const ImageIdentif
     record["pixelSizeUm"] = shownNumber(found.camera.params.pixelSize * kMicrometresPerMillimetre);
     record["pixelSizeFrom"] = toString(found.pixelSizeFrom);
     record["focalLengthMm"] = shownNumber(focalLengthMm(exif, found));
-    record["lens"] = lensText(found.camera.params.lensType);
+    record["lens"] = text::toString(found.camera.params.lensType);
     record["bands"] = QJsonArray::fromStringList(found.camera.bands.names());
     record["disagreements"] = QJsonArray::fromStringList(found.disagreements);
     return record;

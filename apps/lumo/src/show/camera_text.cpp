@@ -3,19 +3,6 @@
 
 namespace lumo::program {
 
-QString lensText(LensType type)
-{
-    switch (type) {
-    case LensType::Perspective:
-        return QStringLiteral("perspective");
-    case LensType::Fisheye:
-        return QStringLiteral("fisheye");
-    case LensType::Spherical:
-        return QStringLiteral("spherical");
-    }
-    return {};
-}
-
 double shownNumber(double value)
 {
     constexpr int kDigits = 6;

@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "lumo/cameradata/camera_params.h"
-
-#include <QString>
-
 namespace lumo::program {
 
 /// Pixel sizes are kept in mm and shown in um.
 constexpr double kMicrometresPerMillimetre = 1000.0;
-
-/// "perspective", "fisheye" or "spherical".
-[[nodiscard]] QString lensText(LensType type);
 
 /// A number as it is shown: with as many digits as the evidence carries.
 [[nodiscard]] double shownNumber(double value);

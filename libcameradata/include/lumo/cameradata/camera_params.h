@@ -4,6 +4,7 @@
 #include "lumo/cameradata/camera_source.h"
 #include "lumo/cameradata/export.h"
 #include "lumo/cameradata/fisheye_params.h"
+#include "lumo/cameradata/lens_type.h"
 #include "lumo/cameradata/vignetting_data.h"
 #include "lumo/imagemodel/data_type.h"
 
@@ -14,13 +15,6 @@
 #include <map>
 
 namespace lumo {
-
-/// Kind of a lens. Files use these numbers.
-enum class LensType : int {
-    Perspective = 0,
-    Fisheye = 1,
-    Spherical = 2,
-};
 
 /// Interior orientation of a central perspective lens: focal length and Brown's
 /// distortion (Photogrammetric Engineering 37(8), 1971). With x = X/Z, y = Y/Z

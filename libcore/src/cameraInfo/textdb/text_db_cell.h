@@ -15,10 +15,6 @@
 /// Values and the text of their cells, C locale.
 namespace lumo::cameradb::textdb {
 
-/// "perspective", "fisheye" or "spherical"; empty for an unknown type.
-[[nodiscard]] QString lensTypeText(LensType type);
-[[nodiscard]] LensType lensTypeFromText(const QString& text, bool* ok);
-
 /// What a cell of this type must hold, for messages.
 template <typename T>
 inline constexpr const char* kCellContent = "text";
@@ -49,8 +45,6 @@ template <typename T>
     bool ok = true;
     if constexpr (std::is_same_v<T, QString>) {
         value = cell;
-    } else if constexpr (std::is_same_v<T, LensType>) {
-        value = lensTypeFromText(cell, &ok);
     } else {
         value = text::fromString<T>(cell, &ok);
     }
@@ -67,8 +61,6 @@ template <typename T>
         return QString::number(value, 'g', QLocale::FloatingPointShortest);
     } else if constexpr (std::is_same_v<T, bool>) {
         return value ? QStringLiteral("true") : QStringLiteral("false");
-    } else if constexpr (std::is_same_v<T, LensType>) {
-        return lensTypeText(value);
     } else if constexpr (std::is_enum_v<T>) {
         return text::toString(value);
     } else {

@@ -2,18 +2,10 @@
 // The columns of the tables of cameras and of what belongs to cameras.
 #include "cameraInfo/textdb/text_db_column_makers.h"
 
-#include <array>
-
 namespace lumo::cameradb::textdb {
 namespace {
 
 using Model = CameraModelFromDB;
-
-constexpr std::array<std::pair<LensType, const char*>, 3> kLensTypes{{
-    {LensType::Perspective, "perspective"},
-    {LensType::Fisheye, "fisheye"},
-    {LensType::Spherical, "spherical"},
-}};
 
 bool isPerspective(const Model& model)
 {
@@ -125,28 +117,6 @@ std::vector<Column<Row>> ownerColumns()
 }
 
 } // namespace
-
-QString lensTypeText(LensType type)
-{
-    for (const auto& [value, name] : kLensTypes) {
-        if (value == type) {
-            return QString::fromLatin1(name);
-        }
-    }
-    return {};
-}
-
-LensType lensTypeFromText(const QString& text, bool* ok)
-{
-    for (const auto& [value, name] : kLensTypes) {
-        if (text == QLatin1String(name)) {
-            *ok = true;
-            return value;
-        }
-    }
-    *ok = false;
-    return LensType::Perspective;
-}
 
 const std::vector<Column<CameraModelFromDB>>& cameraColumns()
 {

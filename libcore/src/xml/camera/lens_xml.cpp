@@ -9,17 +9,6 @@
 namespace lumo::io {
 namespace {
 
-struct LensTag
-{
-    LensType type;
-    const char* text;
-};
-constexpr LensTag kLensTags[] = {
-    {LensType::Perspective, "perspective"},
-    {LensType::Fisheye, "fisheye"},
-    {LensType::Spherical, "spherical"},
-};
-
 struct DistortionTag
 {
     const char* name;
@@ -86,25 +75,21 @@ void readFisheye(const QDomElement& element, FisheyeParams& lens)
 LensType readLensType(const QDomElement& element)
 {
     const QDomElement child = element.firstChildElement(QStringLiteral("lensType"));
-    for (const LensTag& tag : kLensTags) {
-        if (child.text() == QLatin1String(tag.text)) {
-            return tag.type;
-        }
-    }
-    if (!child.isNull()) {
+    bool known = false;
+    const LensType type = text::fromString<LensType>(child.text(), &known);
+    if (!known && !child.isNull()) {
         xml::warnAt(child, QStringLiteral("unknown lens type \"%1\"").arg(child.text()));
     }
-    return LensType::Perspective;
+    return type;
 }
 
 } // namespace
 
 void writeLens(QXmlStreamWriter& writer, const CameraParams& params, XmlOutputType type)
 {
-    for (const LensTag& tag : kLensTags) {
-        if (tag.type == params.lensType) {
-            xml::writeTag(writer, "lensType", QString::fromLatin1(tag.text));
-        }
+    const QString lensType = text::toString(params.lensType);
+    if (!lensType.isEmpty()) {
+        xml::writeTag(writer, "lensType", lensType);
     }
     const bool full = type == XmlOutputType::Full;
     if (params.lensType == LensType::Perspective) {

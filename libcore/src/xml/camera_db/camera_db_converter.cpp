@@ -8,13 +8,13 @@
 #include "lumo/foundation/log.h"
 #include "lumo/foundation/system.h"
 #include "xml/camera/camera_db_version.h"
+#include "xml/steps/step_chain.h"
 
-#include <QBuffer>
 #include <QDomDocument>
 
 #include <array>
-#include <deque>
 #include <stdexcept>
+#include <vector>
 
 namespace lumo {
 namespace {
@@ -40,18 +40,13 @@ QString installed(const char* name)
     return *name == '\0' ? QString() : system::applicationDirectory() + QLatin1String(name);
 }
 
-QByteArray run(const Step& step, const QByteArray& document)
+/// \throws std::runtime_error if no step of this key is registered
+std::unique_ptr<IXmlConversion> create(const Step& step)
 {
-    log::step() << step.label;
-    const auto conversion = extensibleFactoryInstance<IXmlConversion>().create(step.key);
+    auto conversion = extensibleFactoryInstance<IXmlConversion>().create(step.key);
     conversion->setXsdFile(installed(step.xsdFile));
     conversion->setXslFile(installed(step.xslFile));
-    QBuffer input;
-    input.setData(document);
-    if (!input.open(QIODevice::ReadOnly)) {
-        throw std::runtime_error("the document cannot be read from memory");
-    }
-    return conversion->convert(&input);
+    return conversion;
 }
 
 } // namespace
@@ -61,7 +56,7 @@ class LUMO_CORE_NO_EXPORT CameraDbConverter::Impl
 public:
     QString inputFile;
     std::size_t version = 0;
-    std::deque<const Step*> steps; ///< still to be done, first to last
+    std::vector<xml::ChainStep> steps; ///< still to be done, first to last
 
     void plan();
     void readVersion();
@@ -90,7 +85,7 @@ void CameraDbConverter::Impl::plan()
 {
     for (const Step& step : kSteps) {
         if (version < step.below) {
-            steps.push_back(&step);
+            steps.push_back({step.label, [&step](QString&) { return create(step); }});
         }
     }
 }
@@ -99,11 +94,8 @@ void CameraDbConverter::Impl::convert(const QString& outputFile)
 {
     QByteArray document;
     QString error;
-    if (!xml::readFile(inputFile, document, error)) {
+    if (!xml::readFile(inputFile, document, error) || !xml::runChain(steps, {}, document, error)) {
         throw std::runtime_error(error.toStdString());
-    }
-    for (const Step* step : steps) {
-        document = run(*step, document);
     }
     if (!file::replaceAtomically(outputFile, document, error)) {
         throw std::runtime_error(error.toStdString());

@@ -6,8 +6,7 @@
 #include "lumo/foundation/file.h"
 #include "lumo/foundation/log.h"
 #include "xml/project/kpx_steps.h"
-
-#include <QBuffer>
+#include "xml/steps/step_chain.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -20,17 +19,6 @@ QString& templatesDataLocation()
 {
     static QString location;
     return location;
-}
-
-QByteArray run(IXmlConversion& conversion, QByteArray& document)
-{
-    QBuffer input;
-    input.setData(document);
-    document.clear(); // the buffer alone holds it now
-    if (!input.open(QIODevice::ReadOnly)) {
-        throw std::runtime_error("the document cannot be read from memory");
-    }
-    return conversion.convert(&input);
 }
 
 } // namespace
@@ -53,9 +41,8 @@ public:
     /// \param[out] reports  if not null, what each step did
     [[nodiscard]] bool convert(
         QByteArray& result, std::vector<ConversionStepReport>* reports, QString& error) const;
-    [[nodiscard]] bool runStep(
-        const kpx::Step& step, QByteArray& document, std::vector<ConversionStepReport>* reports,
-        QString& error) const;
+    [[nodiscard]] bool runSteps(
+        QByteArray& document, std::vector<ConversionStepReport>* reports, QString& error) const;
     void logFailure(const QString& reason) const;
     [[nodiscard]] bool fail(const QString& reason, QString& error) const; ///< logs it
 };
@@ -124,24 +111,27 @@ void ParamConverter::Impl::backUp() const
     }
 }
 
-bool ParamConverter::Impl::runStep(
-    const kpx::Step& step, QByteArray& document, std::vector<ConversionStepReport>* reports,
-    QString& error) const
+bool ParamConverter::Impl::runSteps(
+    QByteArray& document, std::vector<ConversionStepReport>* reports, QString& error) const
 {
+    std::vector<xml::ChainStep> chain;
+    for (const kpx::Step& step : steps) {
+        chain.push_back({step.label, [&step, this](QString& reason) {
+                             return kpx::createConversion(step, version.isTemplate, reason);
+                         }});
+    }
+    xml::ChainListener chainListener;
+    chainListener.starting = [this](std::size_t index) { tell(static_cast<int>(index)); };
+    if (reports != nullptr) {
+        chainListener.finished = [&](std::size_t index, std::vector<ConversionChange>&& changes) {
+            reports->push_back({steps[index].label, std::move(changes)});
+        };
+    }
     try {
-        log::step() << step.label;
-        QString reason;
-        const auto conversion = kpx::createConversion(step, version.isTemplate, reason);
-        if (!conversion) {
-            log::important() << reason;
+        if (!xml::runChain(chain, chainListener, document, error)) {
+            log::important() << error;
             log::important() << "Could not create kpx converter with invalid type";
-            error = reason;
             return false;
-        }
-        const QByteArray input = reports != nullptr ? document : QByteArray();
-        document = run(*conversion, document);
-        if (reports != nullptr) {
-            reports->push_back({step.label, conversion->changesOf(input)});
         }
     } catch (const std::runtime_error& fault) {
         logFailure(QString::fromUtf8(fault.what())); // more is in the log already
@@ -159,18 +149,14 @@ bool ParamConverter::Impl::convert(
     if (!xml::readFile(inputFile, document, reason)) {
         return fail(reason, error);
     }
-    int done = 0;
-    for (const kpx::Step& step : steps) {
-        tell(done++);
-        if (!runStep(step, document, reports, error)) {
-            return false;
-        }
+    if (!runSteps(document, reports, error)) {
+        return false;
     }
     // The result replaces a file that somebody needs; the steps only build it.
     if (!xml::checkXml(document, reason)) {
         return fail(QStringLiteral("the result is not XML: ") + reason, error);
     }
-    tell(done);
+    tell(static_cast<int>(steps.size()));
     result = std::move(document);
     return true;
 }
