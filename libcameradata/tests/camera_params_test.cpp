@@ -44,14 +44,27 @@ struct InvalidCase
 TEST(CameraParams, InvalidOnesSayWhy)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
+    const auto fisheye = [](const std::function<void(FisheyeParams&)>& change) {
+        return [change](CameraParams& p) {
+            p = fisheyeParams();
+            change(p.fisheye);
+        };
+    };
     const InvalidCase cases[] = {
         {"The camera has no name", [](CameraParams& p) { p.name.clear(); }},
         {"The camera name is not allowed", [](CameraParams& p) { p.name = "a/b"; }},
         {"The image size is 0", [](CameraParams& p) { p.setImageSize(0, 10); }},
+        {"The image size is 0", [](CameraParams& p) { p.setImageSize(10, 0); }},
+        {"The pixel size is not positive", [](CameraParams& p) { p.pixelSize = 0; }},
         {"The pixel size is not positive", [](CameraParams& p) { p.pixelSize = -1; }},
         {"The pixel size is not positive", [nan](CameraParams& p) { p.pixelSize = nan; }},
         {"The principal point is not a number",
          [nan](CameraParams& p) { p.principalPointXMm = nan; }},
+        {"The principal point is not a number",
+         [nan](CameraParams& p) { p.principalPointYMm = nan; }},
+        {"The line read-out time is not a number",
+         [nan](CameraParams& p) { p.lineReadoutTime = nan; }},
+        {"The shutter model is unknown", [](CameraParams& p) { p.shutterModel = -1; }},
         {"The shutter model is unknown", [](CameraParams& p) { p.shutterModel = 5; }},
         {"The focal length is not positive",
          [](CameraParams& p) { p.perspective.focalLengthMm = 0; }},
@@ -61,9 +74,14 @@ TEST(CameraParams, InvalidOnesSayWhy)
         {"The affine part of the fisheye lens cannot be inverted",
          [](CameraParams& p) { p.lensType = LensType::Fisheye; }},
         {"The degree of the fisheye polynomial is not 1 to 4",
-         [](CameraParams& p) {
-             p = fisheyeParams();
-             p.fisheye.npoly = 5;
+         fisheye([](FisheyeParams& f) { f.npoly = 5; })},
+        {"The degree of the fisheye polynomial is not 1 to 4",
+         fisheye([](FisheyeParams& f) { f.npoly = 0; })},
+        {"A fisheye coefficient is not a number",
+         fisheye([nan](FisheyeParams& f) { f.poly[4] = nan; })},
+        {"The pixel value range is invalid: a limit is not a number",
+         [nan](CameraParams& p) {
+             p.pixelValues[DataType::UInt8] = {0, nan};
          }},
         {"The pixel value range is invalid: minimum 255 exceeds maximum 0",
          [](CameraParams& p) {
@@ -89,41 +107,120 @@ TEST(CameraParams, InvalidOnesSayWhy)
     EXPECT_TRUE(fisheyeParams().valid(error, true)) << qPrintable(error);
 }
 
-struct EqualCase
+/// A lens of this type in which every number that files store is 1.5.
+CameraParams filledParams(LensType type)
 {
-    const char* name;
-    Change change;
-    bool equal;
-};
+    CameraParams params;
+    params.lensType = type;
+    params.pixelSize = params.principalPointXMm = params.principalPointYMm = 1.5;
+    params.lineReadoutTime = params.velocityNumber = 1.5;
+    params.perspective = {1.5, 6, 1.5, 1.5, 1.5, 1.5, 1.5};
+    params.fisheye.poly.fill(1.5);
+    params.fisheye.setAffine(false, 1.5, 1.5, 1.5, 1.5);
+    params.pixelValues[DataType::UInt8] = {1.5, 1.5};
+    params.vignetting[280].coefficients = Eigen::MatrixXd::Constant(2, 1, 1.5);
+    return params;
+}
 
-TEST(CameraParams, EqualityIsThatOfWhatFilesHold)
+constexpr LensType kPerspective = LensType::Perspective;
+constexpr LensType kFisheye = LensType::Fisheye;
+
+TEST(CameraParams, NumbersAreComparedAsWritten)
 {
-    const EqualCase cases[] = {
-        {"pixel size, 7th digit", [](CameraParams& p) { p.pixelSize *= 1 + 1e-8; }, true},
-        {"pixel size, 5th digit", [](CameraParams& p) { p.pixelSize *= 1 + 1e-5; }, false},
-        {"K1, 11th digit", [](CameraParams& p) { p.perspective.radialK1 -= 1e-13; }, true},
-        {"K1, 8th digit", [](CameraParams& p) { p.perspective.radialK1 -= 1e-9; }, false},
-        {"source", [](CameraParams& p) { p.source = CameraSource::Exif; }, true},
-        {"lens not in use", [](CameraParams& p) { p.fisheye.c = 5; }, true},
-        {"lens type", [](CameraParams& p) { p.lensType = LensType::Spherical; }, false},
-        {"name", [](CameraParams& p) { p.name += "x"; }, false},
-        {"read-out", [](CameraParams& p) { p.lineReadoutTime = 0.01; }, false},
-        {"pixel values",
-         [](CameraParams& p) {
-             p.pixelValues[DataType::UInt16] = {0, 9};
-         },
-         false},
+    const struct
+    {
+        const char* name;
+        int digits;
+        LensType type;
+        double& (*of)(CameraParams&);
+    } cases[] = {
+        {"pixel size", 6, kPerspective, [](auto& p) -> double& { return p.pixelSize; }},
+        {"centre x", 6, kPerspective, [](auto& p) -> double& { return p.principalPointXMm; }},
+        {"centre y", 6, kPerspective, [](auto& p) -> double& { return p.principalPointYMm; }},
+        {"read-out", 10, kFisheye, [](auto& p) -> double& { return p.lineReadoutTime; }},
+        {"velocity", 10, kFisheye, [](auto& p) -> double& { return p.velocityNumber; }},
+        {"f", 7, kPerspective, [](auto& p) -> double& { return p.perspective.focalLengthMm; }},
+        {"K1", 9, kPerspective, [](auto& p) -> double& { return p.perspective.radialK1; }},
+        {"K2", 9, kPerspective, [](auto& p) -> double& { return p.perspective.radialK2; }},
+        {"K3", 9, kPerspective, [](auto& p) -> double& { return p.perspective.radialK3; }},
+        {"T1", 9, kPerspective, [](auto& p) -> double& { return p.perspective.tangentialT1; }},
+        {"T2", 9, kPerspective, [](auto& p) -> double& { return p.perspective.tangentialT2; }},
+        {"p0", 9, kFisheye, [](auto& p) -> double& { return p.fisheye.poly.front(); }},
+        {"p4", 9, kFisheye, [](auto& p) -> double& { return p.fisheye.poly.back(); }},
+        {"c", 9, kFisheye, [](auto& p) -> double& { return p.fisheye.c; }},
+        {"d", 9, kFisheye, [](auto& p) -> double& { return p.fisheye.d; }},
+        {"e", 9, kFisheye, [](auto& p) -> double& { return p.fisheye.e; }},
+        {"f", 9, kFisheye, [](auto& p) -> double& { return p.fisheye.f; }},
+        {"min", 10, kFisheye, [](auto& p) -> double& { return p.pixelValues.begin()->second.min; }},
+        {"max", 10, kFisheye, [](auto& p) -> double& { return p.pixelValues.begin()->second.max; }},
+        {"vignetting", 6, kFisheye,
+         [](auto& p) -> double& { return p.vignetting[280].coefficients(1); }},
     };
-    for (const EqualCase& test : cases) {
-        CameraParams other = perspectiveParams();
-        test.change(other);
-        EXPECT_EQ(perspectiveParams().equal(other, true), test.equal) << test.name;
+    for (const auto& [name, digits, type, of] : cases) {
+        const CameraParams params = filledParams(type);
+        const double lastDigit = std::pow(10.0, 1 - digits); // of 1.5
+        for (const double step : {0.0, 0.1, -0.1, 1.1, -1.1}) {
+            CameraParams other = params;
+            of(other) += step * lastDigit;
+            EXPECT_EQ(params.equal(other, true), std::abs(step) < 1.0) << name << ' ' << step;
+        }
+        CameraParams zero = params;
+        CameraParams minusZero = params;
+        of(zero) = 0.0;
+        of(minusZero) = -0.0;
+        EXPECT_TRUE(zero.equal(minusZero, true)) << name;
+        const bool inLens = digits == 7 || digits == 9;
+        CameraParams unused = params; // now of a type of which no lens parameter counts
+        CameraParams changed = params;
+        of(changed) = 9.0;
+        unused.lensType = changed.lensType = LensType::Spherical;
+        EXPECT_EQ(unused.equal(changed, true), inLens) << name;
     }
-    CameraParams withVignetting = perspectiveParams();
-    withVignetting.vignetting[280] = {
-        Eigen::MatrixXd::Ones(2, 1), 0, 0, VignettingType::Polynomial};
-    EXPECT_TRUE(perspectiveParams().equal(withVignetting, false));
-    EXPECT_FALSE(perspectiveParams().equal(withVignetting, true));
+}
+
+TEST(CameraParams, AllElseThatFilesStoreIsComparedExactly)
+{
+    const struct
+    {
+        const char* name;
+        LensType type;
+        Change change;
+        bool equal = false;
+    } cases[] = {
+        {"source", kPerspective, [](auto& p) { p.source = CameraSource::Exif; }, true},
+        {"other lens", kPerspective, [](auto& p) { p.fisheye.npoly = 1; }, true},
+        {"other lens", kFisheye, [](auto& p) { p.perspective.distortion = 0; }, true},
+        {"lens type", kPerspective, [](auto& p) { p.lensType = LensType::Spherical; }},
+        {"name", kPerspective, [](auto& p) { p.name = "x"; }},
+        {"width", kPerspective, [](auto& p) { p.imageWidth = 1; }},
+        {"height", kPerspective, [](auto& p) { p.imageHeight = 1; }},
+        {"shutter", kPerspective, [](auto& p) { p.shutterModel = 1; }},
+        {"distortion", kPerspective, [](auto& p) { p.perspective.distortion = 4; }},
+        {"degree", kFisheye, [](auto& p) { p.fisheye.npoly = 3; }},
+        {"p0zero", kFisheye, [](auto& p) { p.fisheye.p0zero = true; }},
+        {"symmetric", kFisheye, [](auto& p) { p.fisheye.symmetricAffine = true; }},
+        {"pixel type", kFisheye,
+         [](auto& p) {
+             p.pixelValues = {{DataType::Int16, p.pixelValues[DataType::UInt8]}};
+         }},
+        {"one more type", kFisheye, [](auto& p) { p.pixelValues[DataType::Int16]; }},
+        {"f-number", kFisheye,
+         [](auto& p) {
+             p.vignetting = {{400, p.vignetting[280]}};
+         }},
+        {"f-numbers", kFisheye, [](auto& p) { p.vignetting[400]; }},
+        {"shape", kFisheye,
+         [](auto& p) { p.vignetting[280].coefficients = Eigen::MatrixXd::Constant(1, 2, 1.5); }},
+    };
+    for (const auto& [name, type, change, equal] : cases) {
+        CameraParams other = filledParams(type);
+        change(other);
+        EXPECT_EQ(filledParams(type).equal(other, true), equal) << name;
+    }
+    CameraParams bare = filledParams(kFisheye);
+    bare.vignetting.clear();
+    EXPECT_TRUE(bare.equal(filledParams(kFisheye), false));
+    EXPECT_FALSE(bare.equal(filledParams(kFisheye), true));
 }
 
 // Four quarter turns are none, and one turn takes the lens's displacement of an

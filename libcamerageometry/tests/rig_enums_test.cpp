@@ -6,69 +6,67 @@
 namespace lumo {
 namespace {
 
-struct ProcTypeTexts
-{
-    RigSecondaryProcType type;
-    const char* text;
-    const char* oldText;
-};
+constexpr int kRefused = -1;
 
-// Files hold these texts.
-TEST(RigEnums, ProcessingTypesAreWrittenAndReadInBothForms)
+/// What reading a text gives: a number, or kRefused.
+template <typename T, typename Read>
+int numberOf(const char* text, T otherwise, Read read)
 {
-    const ProcTypeTexts table[] = {
-        {RigSecondaryProcType{0}, "calibrate", "calibrate"},
-        {RigSecondaryProcType{1}, "independCalRel", "independCalRel"},
-        {RigSecondaryProcType{2}, "optRels", "optRels"},
-        {RigSecondaryProcType{3}, "optRotRel", "optRotRelStatic"},
-        {RigSecondaryProcType{4}, "optAllRel", "optAllRel"},
-    };
-    for (const auto& [type, text, oldText] : table) {
-        SCOPED_TRACE(text);
-        bool ok = false;
-        EXPECT_EQ(text::toString(type), text);
-        EXPECT_EQ(text::toOldString(type), oldText);
-        EXPECT_EQ(text::fromString<RigSecondaryProcType>(text, &ok), type);
-        EXPECT_TRUE(ok);
-        EXPECT_EQ(text::fromOldString(oldText, &ok), type);
-        EXPECT_TRUE(ok);
-        EXPECT_EQ(text::fromOldString(text, &ok), type);
-        EXPECT_TRUE(ok);
-    }
-    EXPECT_EQ(text::fromOldString("optRot"), RigSecondaryProcType::OptRotRel);
+    bool ok = false;
+    const T value = read(text, &ok);
+    EXPECT_TRUE(ok || value == otherwise) << text;
+    EXPECT_EQ(read(text, nullptr), value);
+    return ok ? static_cast<int>(value) : kRefused;
 }
 
-TEST(RigEnums, UnknownProcessingTypesAreTheDefault)
+// Files contain these texts and numbers.
+TEST(RigEnums, ProcessingTypesAreWrittenAndReadInBothForms)
 {
-    for (const char* text : {"", "Calibrate", "optRot", "optRotRelStatic", "3"}) {
-        SCOPED_TRACE(text);
-        bool ok = true;
-        EXPECT_EQ(
-            text::fromString<RigSecondaryProcType>(text, &ok), RigSecondaryProcType::OptRotRel);
-        EXPECT_FALSE(ok);
+    const struct
+    {
+        const char* text;
+        int number;
+        int oldNumber;
+    } cases[] = {
+        {"calibrate", 0, 0},
+        {"independCalRel", 1, 1},
+        {"optRels", 2, 2},
+        {"optRotRel", 3, 3},
+        {"optAllRel", 4, 4},
+        {"optRotRelStatic", kRefused, 3},
+        {"optRot", kRefused, 3},
+        {"optrot", kRefused, kRefused},
+        {"Calibrate", kRefused, kRefused},
+        {"3", kRefused, kRefused},
+        {"", kRefused, kRefused},
+    };
+    constexpr auto kDefault = RigSecondaryProcType::OptRotRel;
+    for (const auto& [text, number, oldNumber] : cases) {
+        EXPECT_EQ(numberOf(text, kDefault, text::fromString<RigSecondaryProcType>), number) << text;
+        EXPECT_EQ(numberOf(text, kDefault, text::fromOldString), oldNumber) << text;
+        if (number != kRefused) {
+            const auto type = RigSecondaryProcType(number);
+            EXPECT_EQ(text::toString(type), text);
+            EXPECT_EQ(text::toOldString(type), type == kDefault ? "optRotRelStatic" : text);
+        }
     }
-    bool ok = true;
-    EXPECT_EQ(text::fromOldString("optrot", &ok), RigSecondaryProcType::OptRotRel);
-    EXPECT_FALSE(ok);
     EXPECT_EQ(text::toString(RigSecondaryProcType{9}), "optRotRel");
 }
 
-TEST(RigEnums, DetectionIsByCameraOrderUnlessTheTextSaysByString)
+TEST(RigEnums, DetectionIsByCameraOrderUnlessTheTextIsThatOfDetectionStrings)
 {
-    bool ok = false;
-    EXPECT_EQ(text::toString(RigCameraDetection{0}), "detectionString");
-    EXPECT_EQ(text::toString(RigCameraDetection{1}), "cameraOrder");
-    EXPECT_EQ(text::toString(RigCameraDetection{2}), "cameraOrder");
-    EXPECT_EQ(
-        text::fromString<RigCameraDetection>("detectionString", &ok),
-        RigCameraDetection::ByDetectionString);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(
-        text::fromString<RigCameraDetection>("cameraOrder", &ok),
-        RigCameraDetection::ByCameraOrder);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(text::fromString<RigCameraDetection>("", &ok), RigCameraDetection::ByCameraOrder);
-    EXPECT_FALSE(ok);
+    const char* const texts[] = {"detectionString", "cameraOrder", "cameraOrder"};
+    for (int number = 0; number < 3; ++number) {
+        EXPECT_EQ(text::toString(RigCameraDetection(number)), texts[number]);
+    }
+    const std::pair<const char*, int> cases[] = {
+        {"detectionString", 0}, {"cameraOrder", 1}, {"", kRefused}, {"CameraOrder", kRefused}};
+    for (const auto& [text, number] : cases) {
+        EXPECT_EQ(
+            numberOf(text, RigCameraDetection::ByCameraOrder, text::fromString<RigCameraDetection>),
+            number)
+            << text;
+    }
 }
 
 } // namespace
