@@ -38,7 +38,7 @@ TEST(RandomUniformIndices, ImpossibleRequestsDrawNothing)
     std::mt19937 rng(testSeed());
     const std::mt19937 before = rng;
     EXPECT_TRUE(randomUniformIndices(0, 9, 0, &rng).empty());
-    EXPECT_TRUE(randomUniformIndices(0, 9, 11, &rng).empty());
+    EXPECT_TRUE(randomUniformIndices(5, 14, 11, &rng).empty());
     EXPECT_TRUE(randomUniformIndices(3, 2, 1, &rng).empty());
     EXPECT_TRUE(randomUniformIndices(0, 9, 3, nullptr).empty());
     EXPECT_EQ(rng, before);
