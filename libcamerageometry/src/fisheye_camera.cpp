@@ -32,7 +32,7 @@ Eigen::Matrix2d matrixOf(const FisheyeCamera::Affine& affine)
 void checkPolynomial(const std::vector<double>& polynomial)
 {
     if (polynomial.size() < 2) {
-        throw std::invalid_argument("fisheye camera: the polynomial has less than 2 coefficients");
+        throw std::invalid_argument("fisheye camera: the polynomial has fewer than 2 coefficients");
     }
     if (!std::ranges::all_of(polynomial, [](double p) { return std::isfinite(p); })) {
         throw std::invalid_argument("fisheye camera: a coefficient is not finite");

@@ -112,7 +112,7 @@ Streamer important(const char* file, int line)
 void addSink(std::shared_ptr<Sink> sink)
 {
     if (!sink) {
-        throw std::invalid_argument("log::addSink: no sink");
+        throw std::invalid_argument("log::addSink: the sink is null");
     }
     const std::lock_guard lock(registry().mutex);
     auto& sinks = registry().sinks;

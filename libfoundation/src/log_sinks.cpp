@@ -99,7 +99,7 @@ std::shared_ptr<Sink> makeRotatingFileSink(
 std::shared_ptr<Sink> makeCallbackSink(std::function<void(const Record&)> callback)
 {
     if (!callback) {
-        throw std::invalid_argument("log::makeCallbackSink: no callback");
+        throw std::invalid_argument("log::makeCallbackSink: the callback is empty");
     }
     return std::make_shared<CallbackSink>(std::move(callback));
 }

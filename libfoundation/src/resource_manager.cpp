@@ -26,7 +26,7 @@ void ResourceManager::release()
     const std::lock_guard lock(m_mutex);
     const unsigned holders = readState();
     if (holders == 0) {
-        throw std::logic_error("ResourceManager::release: there is no holder");
+        throw std::logic_error("ResourceManager::release: it was not acquired");
     }
     writeState(holders - 1);
     if (holders == 1) {

@@ -76,7 +76,7 @@ Status checkVersion(void* library, Functions& functions)
     int version = 0;
     const Result result = functions.driverGetVersion(&version);
     if (result != kSuccess) {
-        return {result, "the CUDA driver does not tell its version: " + errorText({}, result)};
+        return {result, "the CUDA driver does not report its version: " + errorText({}, result)};
     }
     if (version < kOldestVersion) {
         return {

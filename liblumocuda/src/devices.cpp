@@ -49,7 +49,7 @@ private:
         std::array<char, 256> name{};
         const int room = static_cast<int>(name.size()) - 1; // a zero stays behind it
         facts.nameStatus = m_functions.deviceGetName(name.data(), room, facts.handle);
-        if (succeeded(facts.nameStatus, "does not tell its name")) {
+        if (succeeded(facts.nameStatus, "does not report its name")) {
             facts.name = name.data();
         }
     }
@@ -58,7 +58,7 @@ private:
     {
         std::size_t bytes = 0;
         if (succeeded(
-                m_functions.deviceTotalMem(&bytes, facts.handle), "does not tell its memory")) {
+                m_functions.deviceTotalMem(&bytes, facts.handle), "does not report its memory")) {
             const std::size_t wholeKB = bytes / kBytesPerKB;
             facts.memoryMB = static_cast<float>(wholeKB) / kKBPerMB;
         }
@@ -69,13 +69,13 @@ private:
         int clockKHz = 0;
         if (succeeded(
                 m_functions.deviceGetAttribute(&clockKHz, kClockRateAttribute, facts.handle),
-                "does not tell its clock rate")) {
+                "does not report its clock rate")) {
             facts.clockMHz = clockKHz / 1000;
         }
         int limited = 0;
         if (succeeded(
                 m_functions.deviceGetAttribute(&limited, kKernelExecTimeoutAttribute, facts.handle),
-                "does not tell whether kernels are limited in time")) {
+                "does not report whether kernels are limited in time")) {
             facts.kernelTimeLimit = limited != 0 ? 1 : 0;
         }
     }
@@ -94,7 +94,7 @@ std::vector<DeviceFacts> readDevices(
     const Result result = functions.deviceGetCount(&count);
     if (result != kSuccess) {
         status = {
-            result, "the CUDA driver does not tell its devices: " + errorText(functions, result)};
+            result, "the CUDA driver does not report its devices: " + errorText(functions, result)};
         return {};
     }
     if (count <= 0) {

@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(
             "the CUDA driver does not start: error 999"},
         NoGpuCase{
             "CountFails", [](FakeDriver& driver) { driver.refuse("cuDeviceGetCount", 3); }, 3,
-            "the CUDA driver does not tell its devices: made-up fault (error 3)"},
+            "the CUDA driver does not report its devices: made-up fault (error 3)"},
         NoGpuCase{"NoDevices", [](FakeDriver&) {}, 100, "the CUDA driver finds no device"}),
     [](const auto& test) { return test.param.what; });
 
@@ -127,9 +127,9 @@ TEST(Gxc, ARefusalForOneDeviceIsSaidAndTouchesNoOther)
 {
     const std::tuple<const char*, Facts, const char*> cases[] = {
         {"cuDeviceGet", Facts("unknown device", 0, 0.0F, -1), "cannot be used"},
-        {"cuDeviceGetName", Facts("unknown device", 2000, 4096.0F, 0), "does not tell its name"},
-        {"cuDeviceTotalMem_v2", Facts("Card", 2000, 0.0F, 0), "does not tell its memory"},
-        {"cuDeviceGetAttribute", Facts("Card", 0, 4096.0F, -1), "does not tell its clock rate"},
+        {"cuDeviceGetName", Facts("unknown device", 2000, 4096.0F, 0), "does not report its name"},
+        {"cuDeviceTotalMem_v2", Facts("Card", 2000, 0.0F, 0), "does not report its memory"},
+        {"cuDeviceGetAttribute", Facts("Card", 0, 4096.0F, -1), "does not report its clock rate"},
     };
     const FakeDevice card{"Card", 4096 * kMB, 2000000};
     for (const auto& [function, expected, message] : cases) {

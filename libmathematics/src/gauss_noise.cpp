@@ -13,7 +13,8 @@ namespace lumo {
 void GaussNoise::setBounds(double minimum, double maximum)
 {
     if (!(minimum > 0.0 && minimum <= maximum && std::isfinite(maximum))) {
-        throw std::invalid_argument("GaussNoise::setBounds: no range of variances");
+        throw std::invalid_argument(
+            "GaussNoise::setBounds: not 0 < minimum <= maximum, both finite");
     }
     m_minimum = minimum;
     m_maximum = maximum;

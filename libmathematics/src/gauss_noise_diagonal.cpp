@@ -32,7 +32,8 @@ template <typename Scalar, int kDimension>
 void GaussNoiseDiagonal<Scalar, kDimension>::setDeterminantBounds(Scalar minimum, Scalar maximum)
 {
     if (!(minimum > 0 && minimum <= maximum && std::isfinite(maximum))) {
-        throw std::invalid_argument("GaussNoiseDiagonal: no range of determinants");
+        throw std::invalid_argument(
+            "GaussNoiseDiagonal::setDeterminantBounds: not 0 < minimum <= maximum, both finite");
     }
     m_minimumDeterminant = minimum;
     m_maximumDeterminant = maximum;

@@ -24,7 +24,7 @@ RigidTransform3D::RigidTransform3D(
 void RigidTransform3D::set(const Eigen::VectorXd& parameters)
 {
     if (parameters.size() != kParameters) {
-        throw std::invalid_argument("RigidTransform3D::set: not seven parameters");
+        throw std::invalid_argument("RigidTransform3D::set: there must be seven parameters");
     }
     m_rotation.set(parameters[0], parameters[1], parameters[2]);
     m_translation = parameters.segment<3>(3);

@@ -78,7 +78,7 @@ void RotationMatrix::setAngleAxis(const Eigen::Vector3d& axis, double cosAngle, 
 {
     // Written so that a NaN is refused too.
     if (!(std::abs(axis.squaredNorm() - 1.0) <= 2.0 * kInputTolerance)) {
-        throw std::invalid_argument("RotationMatrix::setAngleAxis: the axis has not unit length");
+        throw std::invalid_argument("RotationMatrix::setAngleAxis: the axis is not of unit length");
     }
     if (!(std::abs(cosAngle * cosAngle + sinAngle * sinAngle - 1.0) <= kInputTolerance)) {
         throw std::invalid_argument(

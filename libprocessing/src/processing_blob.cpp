@@ -131,7 +131,7 @@ Progress ProcessingBlob::progress() const
 ProcessingBlob::ListenerId ProcessingBlob::addListener(Listener listener)
 {
     if (!listener) {
-        throw std::invalid_argument("ProcessingBlob::addListener: no listener");
+        throw std::invalid_argument("ProcessingBlob::addListener: the listener is empty");
     }
     const std::lock_guard lock(m_shared->mutex);
     const ListenerId id = m_shared->nextId++;
