@@ -126,7 +126,7 @@ TEST_F(HostileFiles, EntriesOfTheSameBytesAreReadUpToALimit)
     for (QByteArray content : contents) {
         const auto listed = [&content] {
             const QByteArray large = littleEndian(7, 2) + littleEndian(kEach, 4);
-            return content.count(large) * kEach;
+            return static_cast<quint32>(content.count(large)) * kEach;
         };
         ASSERT_GE(listed(), 25U << 20);
         EXPECT_TRUE(limitTiff(

@@ -126,7 +126,7 @@ RigMismatch explainOrder(
     QStringList reasons;
     for (std::size_t i = 0; i < possible.size(); ++i) {
         const bool own = std::find(possible[i].begin(), possible[i].end(), i) != possible[i].end();
-        result.fitting += possible[i].empty() ? 0 : 1;
+        result.fitting += possible[i].empty() ? 0U : 1U;
         result.assignment.push_back(own ? i : npos);
         if (!own) {
             reasons.append(orderReason(rig, i, files[static_cast<int>(i)]));

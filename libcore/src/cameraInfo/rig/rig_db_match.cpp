@@ -27,7 +27,7 @@ std::size_t fixedPoints(const RigDBMatch& match, std::size_t length)
 {
     std::size_t count = 0;
     for (std::size_t i = 0; i < length; ++i) {
-        count += match.assignment[i] == i ? 1 : 0;
+        count += match.assignment[i] == i ? 1U : 0U;
     }
     return count;
 }
@@ -53,7 +53,7 @@ std::optional<std::vector<std::size_t>> bestFreeOrder(const Signatures& signatur
             const PairScore pair = pairScore(signatures.filter[i], signatures.rig[j]);
             problem.gains.push_back(
                 pair.score == PairScore::kImpossible ? AssignmentProblem::kForbidden
-                                                     : pair.score * point + (i == j ? 1 : 0));
+                                                     : pair.score * point + (i == j ? 1U : 0U));
         }
     }
     return bestAssignment(problem);

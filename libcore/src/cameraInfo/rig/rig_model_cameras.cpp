@@ -59,7 +59,7 @@ std::size_t RigImpl<Attr>::enabledCameraCount() const
 {
     const auto enabled = [](const Secondary& secondary) { return secondary.attributes.enabled(); };
     const auto count = std::count_if(secondaries.begin(), secondaries.end(), enabled);
-    return static_cast<std::size_t>(count) + (refCamera.enabled() ? 1 : 0);
+    return static_cast<std::size_t>(count) + (refCamera.enabled() ? 1U : 0U);
 }
 
 template <typename Attr>
@@ -70,7 +70,7 @@ std::size_t RigImpl<Attr>::enabledCameraIndex(std::size_t i) const
     }
     std::size_t count = 0;
     for (std::size_t camera = 0; camera <= i; ++camera) {
-        count += cameraEnabled(camera) ? 1 : 0;
+        count += cameraEnabled(camera) ? 1U : 0U;
     }
     return count == 0 ? kNone : count - 1;
 }
