@@ -75,6 +75,10 @@ QString rowFault(const QString& line, SensorSizes& sizes)
         return QStringLiteral("no make or no model");
     }
     SensorSize size;
+    if (fields[2].isEmpty() && fields[3].isEmpty()) {
+        sizes.insert(key, size);
+        return {};
+    }
     if (!parseSide(fields[2], size.widthMm)) {
         return QStringLiteral("\"%1\" is no width").arg(fields[2]);
     }

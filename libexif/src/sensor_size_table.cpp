@@ -37,6 +37,11 @@ const QSet<QString>& makers()
     return names;
 }
 
+std::optional<SensorSize> knownSize(const std::optional<SensorSize>& entry)
+{
+    return entry && entry->widthMm > 0.0 ? entry : std::nullopt;
+}
+
 } // namespace
 
 std::optional<SensorSize> findSensorSize(const QString& make, const QString& model)
@@ -48,7 +53,7 @@ std::optional<SensorSize> findSensorSize(const QString& make, const QString& mod
     for (const QString& key : {sensorSizeKey(make, model), sensorSizeKey(otherMake, otherModel)}) {
         const auto found = key.isEmpty() ? sizes.constEnd() : sizes.constFind(key);
         if (found != sizes.constEnd()) {
-            return *found;
+            return knownSize(*found);
         }
     }
     return std::nullopt;
@@ -68,7 +73,7 @@ std::optional<SensorSize> findSensorSize(const QString& model)
         }
         size = *found;
     }
-    return size;
+    return knownSize(size);
 }
 
 } // namespace lumo::exif

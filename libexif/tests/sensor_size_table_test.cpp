@@ -31,6 +31,10 @@ TEST(SensorSizeTable, SpellingsOfMakerAndModelAreFolded)
         {"Nikon", "D90", 23.6},
         {"DJI", "FC6360", 4.8},
         {"SONY", "DSC-RX100", 13.2},
+        {"Canon", "Canon EOS-1D Mark III", 28.1}, // 28.7 in most lists
+        {"FUJIFILM", "X-T2", 23.6},
+        {"DJI", "XT2", 0.0}, // a thermal camera and one of colour
+        {"MicaSense", "RedEdge-P", 0.0},
         {"Canon", "", 0.0},
         {"", "", 0.0},
         {"Nobody", "PowerShot G9", 0.0}};

@@ -26,8 +26,8 @@ struct SensorSize
 /// A model that names another maker of the table ("RICOH IMAGING COMPANY" makes
 /// a "PENTAX K-3") is looked for under that maker too.
 ///
-/// One model name may stand for several cameras (colour and thermal, say); the
-/// table then knows the main colour camera.
+/// Nothing is found for a name of several cameras with different sensors (colour and
+/// thermal, say), where the shipped camera database knows these cameras.
 ///
 /// The table is loaded by the first call. Calls may run in parallel.
 [[nodiscard]] LUMO_EXIF_EXPORT std::optional<SensorSize> findSensorSize(
