@@ -43,8 +43,16 @@ MAX_SIDE_MM = 70
 PROPORTIONS = [1, 8 / 7, 6 / 5, 5 / 4, 4 / 3, 36 / 25, 3 / 2, 8 / 5, 5 / 3, 16 / 9]
 PROPORTION_TOLERANCE = 0.02  # sides are rounded: 0.1 mm of 4.55 mm is 2 %
 SPELLING_TOLERANCE = 0.03  # lists differ by 1 to 3 % on one camera
+VARIANT_TOLERANCE = 0.05  # libexif folds variants that agree as well
 SENSOR_TOLERANCE = 0.05
 INCH_FRACTIONS_MM = [25.4, 12.7]  # optical formats, taken for widths
+
+# How phones are named by country and carrier, as sensor_size_rows.cpp folds them.
+VARIANTS = {
+    "samsung": r"((?:sm|sgh|sch|sph|shv|shw)[a-z]\d{3}|gt[a-z]\d{4})[a-z0-9]{0,3}$",
+    "huawei": r"^([a-z]{3})(?:[at]?l|lx)\d{1,2}[a-z]?$",
+    "lg": r"(?:^|^lm)([a-z]\d{3})[a-z]{0,3}$",
+}
 
 
 def side(text, may_be_empty):
@@ -128,14 +136,18 @@ def faults_of_sizes(rows):
 
 
 def faults_of_siblings(rows):
-    """Spellings of a name that contradict each other."""
-    spellings = collections.defaultdict(dict)
+    """Spellings of a name, and variants of a phone, that contradict each other."""
+    spellings, variants = collections.defaultdict(dict), collections.defaultdict(dict)
     for make, model, width, _ in rows:
-        spellings[name_key(make, model)][make, model] = float(width)
-    for group in spellings.values():
-        if apart(group.values()) > SPELLING_TOLERANCE:
-            yield ", ".join(f"{' '.join(name)} {mm:g} mm" for name, mm in group.items()) + \
-                ": contradict each other"
+        maker, name = name_key(make, model)
+        spellings[maker, name][make, model] = float(width)
+        if found := re.search(VARIANTS.get(maker, r"(?!)"), name):
+            variants[maker, found[1]][make, model] = float(width)
+    for groups, tolerance in ((spellings, SPELLING_TOLERANCE), (variants, VARIANT_TOLERANCE)):
+        for group in groups.values():
+            if apart(group.values()) > tolerance:
+                yield ", ".join(f"{' '.join(name)} {mm:g} mm" for name, mm in group.items()) + \
+                    ": contradict each other"
 
 
 def faults_of_several(rows):

@@ -4,10 +4,12 @@
 #include "lumo/foundation/text.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace lumo::exif {
 namespace {
@@ -48,13 +50,65 @@ QString foldedMake(const QString& make)
     }};
     QString name = make.trimmed();
     name.replace(QLatin1Char('_'), QLatin1Char(' ')).replace(QLatin1Char(','), QLatin1Char(' '));
-    const QString first = folded(name.section(QLatin1Char(' '), 0, 0));
+    QString first = folded(name.section(QLatin1Char(' '), 0, 0));
     for (const Alias& alias : kAliases) {
         if (first == QLatin1String(alias.firstWord)) {
             return QLatin1String(alias.maker);
         }
     }
     return first;
+}
+
+/// The maker and the model without the maker's name before it, both folded.
+struct FoldedName
+{
+    QString maker;
+    QString model;
+
+    FoldedName(const QString& make, const QString& name)
+        : maker(foldedMake(make))
+        , model(folded(name))
+    {
+        if (model.size() > maker.size() && model.startsWith(maker)) {
+            model.remove(0, maker.size());
+        }
+    }
+
+    [[nodiscard]] bool isEmpty() const { return maker.isEmpty() || model.isEmpty(); }
+};
+
+/// What all variants of a phone have in common, such as "smn900" of a Samsung
+/// SM-N900A: after it come letters and digits for the country or the carrier.
+QString commonName(const FoldedName& name)
+{
+    static const std::array<std::pair<QLatin1String, QRegularExpression>, 3> kRules = {{
+        {QLatin1String("samsung"),
+         QRegularExpression(QStringLiteral(
+             "((?:sm|sgh|sch|sph|shv|shw)[a-z][0-9]{3}|gt[a-z][0-9]{4})[a-z0-9]{0,3}$"))},
+        {QLatin1String("huawei"),
+         QRegularExpression(QStringLiteral("^([a-z]{3})(?:[at]?l|lx)[0-9]{1,2}[a-z]?$"))},
+        {QLatin1String("lg"),
+         QRegularExpression(QStringLiteral("(?:^|^lm)([a-z][0-9]{3})[a-z]{0,3}$"))},
+    }};
+    for (const auto& [maker, pattern] : kRules) {
+        if (name.maker == maker) {
+            return pattern.match(name.model).captured(1);
+        }
+    }
+    return {};
+}
+
+/// Adds a variant's size to its phone's. Variants that contradict set it to 0: which
+/// of them a further one is like is not known.
+void addVariant(const QString& key, const SensorSize& size, SensorSizes& sizes)
+{
+    constexpr double kSameSensor = 0.05; // lists differ by 1 to 3 % on one camera
+    const auto known = sizes.find(key);
+    if (known == sizes.end()) {
+        sizes.insert(key, size);
+    } else if (std::abs(known->widthMm / size.widthMm - 1.0) > kSameSensor) {
+        *known = {};
+    }
 }
 
 bool parseSide(const QString& text, double& side)
@@ -89,6 +143,10 @@ QString rowFault(const QString& line, SensorSizes& sizes)
     if (!sizes.contains(key)) {
         sizes.insert(key, size);
     }
+    const QString variants = sensorVariantKey(fields[0], fields[1]);
+    if (!variants.isEmpty()) {
+        addVariant(variants, size, sizes);
+    }
     return {};
 }
 
@@ -96,12 +154,16 @@ QString rowFault(const QString& line, SensorSizes& sizes)
 
 QString sensorSizeKey(const QString& make, const QString& model)
 {
-    const QString maker = foldedMake(make);
-    QString name = folded(model);
-    if (name.size() > maker.size() && name.startsWith(maker)) {
-        name.remove(0, maker.size());
-    }
-    return maker.isEmpty() || name.isEmpty() ? QString() : maker + QLatin1Char('/') + name;
+    const FoldedName name(make, model);
+    return name.isEmpty() ? QString() : name.maker + QLatin1Char('/') + name.model;
+}
+
+QString sensorVariantKey(const QString& make, const QString& model)
+{
+    const FoldedName name(make, model);
+    const QString common = name.isEmpty() ? QString() : commonName(name);
+    // No folded name holds an asterisk.
+    return common.isEmpty() ? QString() : name.maker + QLatin1Char('/') + common + QLatin1Char('*');
 }
 
 QByteArray shippedSensorSizes()

@@ -37,6 +37,20 @@ const QSet<QString>& makers()
     return names;
 }
 
+/// The entry of the model itself, else that of its variants. Both sides are 0 if
+/// cameras with different sensors have the name.
+std::optional<SensorSize> findEntry(const QString& make, const QString& model)
+{
+    const SensorSizes& sizes = table();
+    for (const QString& key : {sensorSizeKey(make, model), sensorVariantKey(make, model)}) {
+        const auto found = key.isEmpty() ? sizes.constEnd() : sizes.constFind(key);
+        if (found != sizes.constEnd()) {
+            return *found;
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<SensorSize> knownSize(const std::optional<SensorSize>& entry)
 {
     return entry && entry->widthMm > 0.0 ? entry : std::nullopt;
@@ -46,32 +60,27 @@ std::optional<SensorSize> knownSize(const std::optional<SensorSize>& entry)
 
 std::optional<SensorSize> findSensorSize(const QString& make, const QString& model)
 {
-    const SensorSizes& sizes = table();
-    const QString simplified = model.simplified();
-    const QString otherMake = simplified.section(QLatin1Char(' '), 0, 0);
-    const QString otherModel = simplified.section(QLatin1Char(' '), 1);
-    for (const QString& key : {sensorSizeKey(make, model), sensorSizeKey(otherMake, otherModel)}) {
-        const auto found = key.isEmpty() ? sizes.constEnd() : sizes.constFind(key);
-        if (found != sizes.constEnd()) {
-            return knownSize(*found);
-        }
+    auto entry = findEntry(make, model);
+    if (!entry) {
+        const QString simplified = model.simplified();
+        entry = findEntry(
+            simplified.section(QLatin1Char(' '), 0, 0), simplified.section(QLatin1Char(' '), 1));
     }
-    return std::nullopt;
+    return knownSize(entry);
 }
 
 std::optional<SensorSize> findSensorSize(const QString& model)
 {
-    const SensorSizes& sizes = table();
     std::optional<SensorSize> size;
     for (const QString& make : makers()) {
-        const auto found = sizes.constFind(sensorSizeKey(make, model));
-        if (found == sizes.constEnd()) {
+        const auto found = findEntry(make, model);
+        if (!found) {
             continue;
         }
         if (size && *size != *found) {
             return std::nullopt;
         }
-        size = *found;
+        size = found;
     }
     return knownSize(size);
 }

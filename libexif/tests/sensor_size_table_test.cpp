@@ -45,6 +45,56 @@ TEST(SensorSizeTable, SpellingsOfMakerAndModelAreFolded)
     }
 }
 
+TEST(SensorSizeTable, VariantsOfAPhoneForCountriesAndCarriersAreFolded)
+{
+    struct Case
+    {
+        const char* make;
+        const char* model;
+        double widthMm; ///< 0: not in the table
+    };
+    const Case cases[] = {
+        {"samsung", "SAMSUNG-SM-N900A", 4.69}, // of SM-N9005
+        {"samsung", "SM-N900", 4.69},
+        {"samsung", "SM-G920F", 5.95}, // an entry of its own
+        {"samsung", "SAMSUNG-SM-G920A", 5.95},
+        {"samsung", "SM-A536E/DS", 7.42},
+        {"samsung", "SM-N910V", 5.95}, // of "Galaxy Note 4 SM-N910C"
+        {"SAMSUNG", "GT-I9300T", 4.53},
+        {"SAMSUNG", "GT-I9301", 0.0}, // another phone
+        {"samsung", "SM-G935L", 0.0},
+        {"samsung", "SM-N90", 0.0},
+        {"HUAWEI", "VOG-L09", 7.12}, // of VOG-L29
+        {"HUAWEI", "VOG-AL10", 7.12},
+        {"HUAWEI", "ELE-L29", 0.0},
+        {"LG Electronics", "LG-H815T", 5.95},
+        {"LGE", "LM-G820", 5.64},
+        {"Canon", "SM-N900A", 0.0}};
+    for (const Case& c : cases) {
+        const auto size = findSensorSize(QLatin1String(c.make), QLatin1String(c.model));
+        EXPECT_NEAR(size ? size->widthMm : 0.0, c.widthMm, 0.005) << c.make << '/' << c.model;
+    }
+    const auto ofUnknownMaker = findSensorSize(QStringLiteral("SM-N900V"));
+    ASSERT_TRUE(ofUnknownMaker);
+    EXPECT_EQ(ofUnknownMaker->widthMm, 4.69);
+}
+
+TEST(SensorSizeTable, VariantsThatContradictAnswerForThemselvesAlone)
+{
+    SensorSizes sizes;
+    QString error;
+    const QByteArray text = "Samsung\tSM-G970F\t5.65\t\nSamsung\tSM-G970U1\t4.6\t\n"
+                            "Samsung\tSM-G970N\t5.65\t\nSamsung\tSM-G960F\t5.65\t\n";
+    ASSERT_TRUE(parseSensorSizes(text, sizes, error)) << qPrintable(error);
+    int unknown = 0;
+    int known = 0;
+    for (const SensorSize& size : sizes) {
+        ++(size == SensorSize() ? unknown : known);
+    }
+    EXPECT_EQ(unknown, 1); // SM-G970
+    EXPECT_EQ(known, 5);   // the four names, and SM-G960
+}
+
 TEST(SensorSizeTable, ABadLineIsNamed)
 {
     const char* const lines[] = {

@@ -26,6 +26,10 @@ struct SensorSize
 /// A model that names another maker of the table ("RICOH IMAGING COMPANY" makes
 /// a "PENTAX K-3") is looked for under that maker too.
 ///
+/// Phones of Samsung, Huawei and LG have a name for each country and carrier: a
+/// variant that the table lacks has the size of the others ("SAMSUNG-SM-N900A" that
+/// of the SM-N9005), if these agree within 5 %.
+///
 /// Nothing is found for a name of several cameras with different sensors (colour and
 /// thermal, say), where the shipped camera database knows these cameras.
 ///
