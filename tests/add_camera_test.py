@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Tests scripts/add_camera on copies of the shipped database.
+"""Tests scripts/add_camera on copies of the shipped database, and that database itself.
 
 Usage: add_camera_test.py SOURCE_DIR [PROGRAM]; with the program, which validates
 the outcome and reads an image.
 """
 
+import csv
 import pathlib
 import subprocess
 import sys
@@ -131,6 +132,26 @@ class AddCamera(unittest.TestCase):
                         "--pixel": "1.2", "--source": "S"})
         self.assertEqual(run.returncode, 1)
         self.assertIn("README.md", run.stderr)
+
+
+class ShippedDatabase(unittest.TestCase):
+    def setUp(self):
+        path = next((SOURCE / "libcore/src/cameraInfo").rglob("shipped_camera_db.csv"))
+        self.lines = path.read_text(encoding="utf-8").split("\n")
+
+    def section(self, name):
+        start = self.lines.index(f"[{name}]") + 1
+        end = next(i for i, line in enumerate(self.lines) if i > start and line.startswith("["))
+        return list(csv.DictReader(self.lines[start:end]))
+
+    def test_every_camera_and_rig_names_its_source(self):
+        rows = self.section("cameras") + self.section("rigs")
+        self.assertEqual([row["name"] for row in rows if not row["facts"].strip()], [])
+
+    def test_rigs_name_only_cameras_that_exist(self):
+        cameras = {row["name"] for row in self.section("cameras")}
+        named = {row["exifString"] for row in self.section("rigCameras")}
+        self.assertEqual(named - cameras, set())
 
 
 if __name__ == "__main__":
