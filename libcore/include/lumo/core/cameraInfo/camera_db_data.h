@@ -22,12 +22,12 @@ struct CameraDBData
     std::map<QString, RigModel> rigs;    ///< key: the rig name
     std::map<QString, QString> mappings; ///< EXIF identifier -> model name
 
-    /// Records of the XML document that the tables were read from, and that they do
-    /// not hold: writing them in place of the document would lose these. Each as
-    /// `line 12: camera "A": The image size is 0`.
+    /// Records of the XML document that could not be loaded, each as
+    /// `line 12: camera "A": The image size is 0`. Saving the tables over the
+    /// document would delete these records.
     QStringList skipped = {};
 
-    /// Whether the tables are; `skipped` does not count.
+    /// Whether all three tables are empty; `skipped` does not count.
     [[nodiscard]] bool empty() const { return cameras.empty() && rigs.empty() && mappings.empty(); }
 };
 

@@ -9,12 +9,13 @@ namespace lumo {
 
 class CameraModelDb;
 
-/// Merges a camera database into the user's tables: an XML document of any
-/// version, which is converted first, or a text database (by its name's end,
-/// ".csv"). Nothing is saved.
-/// \param overwrite  its entries replace those of the same name
+/// Merges a camera database file into the user's tables in memory. A file name
+/// that ends in ".csv" is read as a text database, any other as an XML document.
+/// An XML document of an older version is converted first. Nothing is saved.
+/// \param overwrite  entries of the file replace the user's of the same name;
+///     else the user's entries stay
 /// \param[out] error  on failure what failed, else untouched; details are logged
-/// \returns false, with the tables as they were, on failure
+/// \returns false on failure; the tables are then unchanged
 [[nodiscard]] LUMO_CORE_EXPORT bool importUserDatabase(
     CameraModelDb& database, const QString& file, bool overwrite, QString& error);
 

@@ -21,15 +21,16 @@ namespace cameradb {
 
 } // namespace cameradb
 
-/// Where the camera database files are, and which settings belong to them.
+/// The paths of the camera database files and the settings that go with them.
+/// A value; the settings objects are shared, not copied.
 struct LUMO_CORE_EXPORT CameraDbSettings
 {
-    std::shared_ptr<QSettings> appSettings;    ///< holds the internal file's hash; may be null
-    std::shared_ptr<QSettings> secondSettings; ///< asked for the user file; may be null
+    std::shared_ptr<QSettings> appSettings;    ///< stores the internal file's hash; may be null
+    std::shared_ptr<QSettings> secondSettings; ///< may name the user file; may be null
     QString hashKey = QStringLiteral("ICH");
     QString dateKey = QStringLiteral("interCameraDBDate");
     QString userDbKey = QStringLiteral("userCameraDB");
-    QString dataDirectory; ///< holds one folder per database version
+    QString dataDirectory; ///< contains one folder per database version
     /// Written after the version in every saved document: names and values.
     std::vector<std::pair<QString, QString>> headerPairs;
     bool checkInternalHash = false; ///< the internal file must match its stored hash

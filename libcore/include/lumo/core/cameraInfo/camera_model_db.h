@@ -17,21 +17,22 @@ namespace lumo {
 
 struct rig_filter_t;
 
-/// A camera model where the database holds it.
+/// A pointer to a camera model in the database's own tables, and its source.
 struct StoredCameraModel
 {
     const CameraModelFromDB* model = nullptr; ///< null if none was found
-    /// Where it came from. The model's own params.source is as it is stored.
+    /// The table that the model came from, as findCameraModel() sets it in a copy.
+    /// The stored model's own params.source may differ.
     CameraSource source = CameraSource::Custom;
 
     explicit operator bool() const { return model != nullptr; }
 };
 
 /// The camera model database in memory: the internal (shipped) tables and the
-/// user's own. Where both hold an entry under one key the user's wins, but for
-/// the rule on serial numbers of findCameraModel.
+/// user's own. If both have an entry under one key, the user's entry wins.
+/// findCameraModel() makes one exception, for serial numbers.
 ///
-/// A value; there is no lock, so one store is used by one thread at a time.
+/// A value without a lock: only one thread at a time may use a store.
 /// Operations report failure as false or an empty name; none throws.
 class LUMO_CORE_EXPORT CameraModelDb
 {
@@ -73,49 +74,52 @@ public:
 
     // Finding camera models. With `internalOnly` the user tables are not asked.
 
-    /// The model of this name for this body: the entry with the serial number,
-    /// else, unless `exactSerial`, the generic one (no serial number), else the
-    /// first. A user's entry is preferred, unless only the internal one fits the
-    /// body better.
-    /// \param[out] model  its params.source says where it came from; untouched
-    ///     if nothing is found
+    /// Finds the model of this name for one camera body. Takes the entry with the
+    /// serial number. Unless `exactSerial`, the next choices are the generic entry
+    /// (no serial number) and then the first entry of the name. A user's entry goes
+    /// before an internal one that fits the body equally well.
+    /// \param[out] model  a copy, with params.source set to the table it came
+    ///     from; untouched if nothing is found
     [[nodiscard]] bool findCameraModel(
         const QString& name, const QString& serialNumber, bool exactSerial,
         CameraModelFromDB& model, bool internalOnly) const;
-    /// The generic model of this name.
+    /// Finds the generic model of this name (no serial number).
     [[nodiscard]] bool findCameraModel(
         const QString& name, CameraModelFromDB& model, bool internalOnly) const;
-    /// The model for an image's identifiers.
+    /// Finds the model for an image's identifiers, as exifId2cameraName() names it.
     [[nodiscard]] bool findCameraModel(
         const ExifID& exifId, const QString& serialNumber, CameraModelFromDB& model,
         bool internalOnly) const;
 
-    /// What findCameraModel copies, without the copy. Valid until the tables change.
+    /// As findCameraModel() of the same arguments, without the copy. The result is
+    /// valid until the tables change.
     [[nodiscard]] StoredCameraModel storedCameraModel(
         const QString& name, const QString& serialNumber, bool exactSerial,
         bool internalOnly) const;
     [[nodiscard]] StoredCameraModel storedCameraModel(
         const ExifID& exifId, const QString& serialNumber, bool internalOnly) const;
 
-    /// Whether exactly this name and serial number are held.
+    /// Whether one of the chosen tables has an entry of exactly this name and
+    /// serial number.
     [[nodiscard]] bool containsCameraModel(
         const QString& name, const QString& serialNumber, bool inInternal, bool inUser) const;
 
-    /// The name of the camera model for an identifier: the one it is mapped to
-    /// if there is such a model, else the identifier if there is a model of that
-    /// name, else empty.
+    /// The name of the camera model for an identifier: the name that the identifier
+    /// is mapped to, if that model exists; else the identifier itself, if a model of
+    /// that name exists; else empty.
     [[nodiscard]] QString exifId2cameraName(const QString& exifId, bool internalOnly) const;
-    /// The first identifier is tried, then the second. Empty at once if the first
-    /// is not a valid camera name.
+    /// Tries the first identifier, then the second. Empty, without a second try, if
+    /// the first is not a valid camera name.
     [[nodiscard]] QString exifId2cameraName(const ExifID& exifId, bool internalOnly) const;
 
     /// The (name, serial number) pairs of all models that may serve the image (all
     /// models if `exif` is empty), by name, then serial number.
     void cameraNames(const ExifInfo& exif, std::vector<std::pair<QString, QString>>& names) const;
 
-    /// The database entry that a camera would make: the held one with the camera's
-    /// parameters and bands if it knows these bands by name, else a new one.
-    /// \param[out] bandIndex  the camera's bands in the result
+    /// The database entry for a camera. Starts from the stored model if that has a
+    /// band configuration with the camera's band names, else from a new model. Sets
+    /// the camera's parameters and bands in it. Changes no table.
+    /// \param[out] bandIndex  index of the camera's bands in the result's bandConfigs
     [[nodiscard]] CameraModelFromDB convert2CameraModel(
         const CameraData& camera, const QString& exifId, std::size_t& bandIndex) const;
 
@@ -123,39 +127,47 @@ public:
     [[nodiscard]] CameraSource calcCameraSource(
         const CameraData& camera, const ExifInfo& exif) const;
 
-    /// The pixel size (mm) of a known camera at an image size that the database
-    /// may not list, scaled from the nearest size that it lists by new size over
-    /// stored size.
-    /// \param[out] pixelSize  untouched on failure: an unknown camera, or no image
-    ///     size in the first identifier
+    /// Estimates the pixel size of a known camera at an image size that the
+    /// database need not list. Scales from the nearest size that the database
+    /// lists, by new size over stored size.
+    /// \param[out] pixelSize  in mm; untouched on failure
+    /// \returns false if the camera is unknown or the first identifier has no image
+    ///     size
     [[nodiscard]] bool estimatePixelSize(const ExifID& exifId, double& pixelSize) const;
 
     // Editing the user database. False, with nothing changed, if editing is not
     // allowed. With `save` a change is also written to the user file, and the
     // result is that of writing.
 
-    /// Holds the model as the user's. One that equals the internal entry removes
-    /// the user's own instead; false if there was none, or nothing changed.
+    /// Stores the model in the user tables. If the model equals the internal entry,
+    /// removes the user's entry instead, so that the internal one applies again.
+    /// \returns false also if nothing had to change
     [[nodiscard]] bool setCameraModel(const CameraModelFromDB& model, bool save);
-    /// Adds the camera's bands to its model, which is made if it is not there.
+    /// Adds the camera's bands to its model in the user tables; makes the model if
+    /// there is none.
     [[nodiscard]] bool addCamera(const CameraData& camera, bool save);
     /// Removes the user's entry, and the user's mappings to the name unless the
     /// internal tables hold exactly this entry.
     [[nodiscard]] bool removeCameraModel(
         const QString& name, const QString& serialNumber, bool save);
-    /// Maps an identifier to a model name; a mapping that would say what holds
-    /// without it is removed. Refuses an empty identifier and "none".
+    /// Maps an identifier to a model name. Removes the user's mapping instead if
+    /// the internal tables lead to the same name without it. Refuses an empty
+    /// identifier and "none".
     /// \returns true also if nothing had to change; nothing is saved then
     [[nodiscard]] bool setMapping(const QString& exifId, const QString& cameraName, bool save);
-    /// Holds the rig as the user's, likewise to setCameraModel. Sources and
-    /// differences of poses within the tolerance are no change.
+    /// Stores the rig in the user tables. If the rig equals the internal entry,
+    /// removes the user's entry instead. Rigs that differ only in their source, or
+    /// in poses within the tolerance of rig_relatives_t, are equal.
+    /// \returns false also if nothing had to change
     [[nodiscard]] bool setRigModel(const RigModel& rig, bool save);
     [[nodiscard]] bool removeRigModel(const QString& name, bool save);
 
     // Rigs
 
     [[nodiscard]] bool containsRigModel(const QString& name, bool internalOnly) const;
-    /// \param[out] rig  its source says where it came from; untouched if not found
+    /// Finds the rig of this name; the user's goes before the internal one.
+    /// \param[out] rig  a copy, with `source` set to the table it came from;
+    ///     untouched if not found
     [[nodiscard]] bool findRigModel(const QString& name, RigModel& rig, bool internalOnly) const;
     /// The rig that fits the filter best.
     /// \param[out] rig  untouched if none fits
@@ -167,7 +179,7 @@ public:
     [[nodiscard]] CameraSource calcRigSource(const RigModel& rig) const;
 
 private:
-    /// What an identifier is mapped to, whether there is such a model or not.
+    /// The name that an identifier is mapped to, whether or not that model exists.
     [[nodiscard]] QString mappedName(const QString& exifId, bool internalOnly) const;
     /// Writes the user file; false, and logged, if that cannot be done.
     [[nodiscard]] bool saveUserDb();

@@ -22,8 +22,8 @@ namespace lumo {
 /// camera model, or of one camera body of it, with every band configuration in
 /// which it can deliver images.
 ///
-/// There is always at least one band configuration once an operation of this
-/// class has run; a record that is filled by hand may have none.
+/// The constructors and operations leave at least one band configuration. A record
+/// that is filled by hand may have none.
 struct LUMO_CORE_EXPORT CameraModelFromDB
 {
     QString serialNumber; ///< of one body; empty for the model that serves every body
@@ -73,8 +73,8 @@ struct LUMO_CORE_EXPORT CameraModelFromDB
     /// the default index) can be used.
     /// \param[out] error  the first reason if not, else untouched
     [[nodiscard]] bool valid(QString& error, std::size_t index) const;
-    /// Likewise, in silence.
-    /// \param checkBands  look into each band too
+    /// As valid(error, index), without a reason and without log records.
+    /// \param checkBands  also check each single band
     [[nodiscard]] bool valid(std::size_t index, bool checkBands) const;
 
     /// The first configuration with these band names, in order, ignoring case and
@@ -83,7 +83,7 @@ struct LUMO_CORE_EXPORT CameraModelFromDB
     [[nodiscard]] std::size_t bandConfigIndexByNames(const bands_t& bands) const;
     [[nodiscard]] std::size_t bandConfigIndexByNames(const QStringList& names) const;
 
-    /// Likewise for exactly equal bands.
+    /// The first configuration whose bands equal these in every field, else npos.
     [[nodiscard]] std::size_t bandConfigIndexByValues(const bands_t& bands) const;
 
     /// The configuration that fits an image's camera best: by values, by names,
@@ -96,16 +96,16 @@ struct LUMO_CORE_EXPORT CameraModelFromDB
     ///     bands that fit no configuration count as contained
     [[nodiscard]] bool contains(const CameraData& camera, bool strict) const;
 
-    /// Writes an element "camera" with all fields. The default configuration
-    /// stands first, so reading makes it number 0; the identifier is left out if
+    /// Writes an element "camera" with all fields. The default configuration is
+    /// written first, so reading makes it number 0. The identifier is left out if
     /// it equals the name.
     void saveXML(QXmlStreamWriter& writer) const;
 
-    /// Takes all fields from an element that saveXML wrote; what is missing is
-    /// empty, but the identifier stays as it is. One that equals the name becomes
-    /// empty. Configurations without bands are
-    /// left out; without any there is one of RGB.
-    /// \param version  of the document around it; all so far are read alike
+    /// Reads all fields from an element that saveXML wrote. A missing field becomes
+    /// empty, except that a missing identifier leaves `exifId` unchanged. An
+    /// identifier that equals the name becomes empty. Configurations without bands
+    /// are left out; if none is left, the record gets one RGB configuration.
+    /// \param version  of the enclosing document; has no effect so far
     void readXML(const QDomElement& element, std::size_t version);
 
 private:
@@ -114,8 +114,9 @@ private:
 };
 
 /// Gives an image's camera the parameters, serial number and bands of a model,
-/// except for what the camera's keep flags and fixed bands hold. The source
-/// becomes `source`, or Custom where something held differs from the model.
+/// except for the values that the camera's keep flags and fixed bands protect. The
+/// camera's source becomes `source`, or Custom if a protected value differs from
+/// the model's.
 /// \param bandIndex  the band configuration; out of range: the one that fits best
 LUMO_CORE_EXPORT void copyCameraModelToParams(
     const CameraModelFromDB& model, CameraSource source, CameraData& camera, std::size_t bandIndex);

@@ -19,12 +19,13 @@ struct Capture
     std::vector<InputImage> images; ///< by camera index in the metadata, then path
 };
 
-/// Puts images that were taken together side by side.
+/// Groups images that were taken together.
 ///
-/// The capture identifier in the metadata decides. Files without one belong
-/// together, and to the capture of files that have one, if they lie in the same
-/// folder, their names agree up to the last "_" or "-", and their times, where
-/// both say one, differ by a second at most.
+/// Images with a capture identifier in their metadata are grouped by it. An image
+/// without one joins another image if both are in the same folder, their names
+/// agree up to the last "_" or "-", and their times differ by at most 1 s. (EXIF
+/// times are often whole seconds, so one capture may span two of them.) A missing
+/// time agrees with any.
 /// \returns the captures in the order of their first images
 [[nodiscard]] LUMO_CORE_EXPORT std::vector<Capture> groupCaptures(
     const std::vector<InputImage>& images);

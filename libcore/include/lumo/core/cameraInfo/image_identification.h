@@ -19,7 +19,7 @@ namespace lumo {
 class CameraModelDb;
 class KnownModes;
 
-/// What a pixel size rests on.
+/// The source of a pixel size.
 enum class PixelSizeOrigin : int {
     None = 0,
     Database,    ///< the camera model found
@@ -34,32 +34,32 @@ enum class PixelSizeOrigin : int {
 /// or "focal35mm".
 [[nodiscard]] LUMO_CORE_EXPORT QString toString(PixelSizeOrigin origin);
 
-/// What came of a statement about the pixel size.
+/// How a claim about the pixel size was judged.
 enum class ClaimVerdict : int {
-    Refused = 0, ///< thrown out
-    Taken,
-    Agrees,    ///< with the one taken, within 5 %
-    Disagrees, ///< not thrown out, and yet not the one taken
+    Refused = 0, ///< implausible; PixelSizeClaim::doubt names the reason
+    Taken,       ///< this is the pixel size used
+    Agrees,      ///< within 5 % of the size used
+    Disagrees,   ///< plausible, but more than 5 % off the size used
 };
 
 /// "refused", "taken", "agrees" or "disagrees".
 [[nodiscard]] LUMO_CORE_EXPORT QString toString(ClaimVerdict verdict);
 
-/// One statement about the pixel size of an image.
+/// One source's claim about the pixel size of an image.
 struct PixelSizeClaim
 {
     PixelSizeOrigin from = PixelSizeOrigin::None;
     double pixelSizeMm = 0.0; ///< of the recorded picture
-    QString model;            ///< the database's model that it rests on, if any
-    QString doubt;            ///< why it was thrown out; empty if it was not
+    QString model;            ///< name of the database model used, if any
+    QString doubt;            ///< why the claim was refused; empty if it was not
     ClaimVerdict verdict = ClaimVerdict::Refused;
 };
 
-/// What is known of the camera of one image.
+/// The camera of one image, as identified.
 struct ImageIdentification
 {
-    /// The camera for the image as it is in the file. Without a pixel size it
-    /// is incomplete but has what the metadata says.
+    /// The camera for the image as it is in the file. If no pixel size was found,
+    /// only the values from the metadata are set.
     CameraData camera;
     QString modelName;                  ///< of the database's model; empty if none was found
     std::optional<CameraSource> source; ///< nothing if the camera is incomplete
@@ -70,47 +70,50 @@ struct ImageIdentification
     std::size_t height = 0;
     ImageMode mode = ImageMode::Unknown;
     QString modeReason; ///< in words
-    /// All that says something about the pixel size, the most trusted first.
+    /// All claims about the pixel size, the most trusted first.
     std::vector<PixelSizeClaim> evidence;
-    /// What speaks against the pixel size, a line each: evidence that disagrees,
-    /// digital zoom, or a camera that only its maker's name tells.
+    /// Reasons to doubt the pixel size, one line each: a claim that disagrees,
+    /// digital zoom, or metadata that name the maker but not the camera model.
     QStringList disagreements;
     /// Why there is no pixel size; empty if there is one.
     QString reason;
 };
 
-/// A model of the database that might serve an image.
+/// A database model that was considered for an image.
 struct CandidateModel
 {
     QString name;
-    QString serialNumber; ///< of the one body that it is for; empty if for all
-    bool own = false;     ///< of the user's database
-    bool taken = false;
-    QString rule; ///< what took or refused it, in words
+    QString serialNumber; ///< of the one body that the model serves; empty for all bodies
+    bool own = false;     ///< from the user's database
+    bool taken = false;   ///< whether the identification uses this model
+    QString rule;         ///< the rule that accepted or refused the model, in words
 };
 
-/// Finds the cameras of images: the database's model, else what other image sizes
-/// of the same camera and the image's metadata tell.
+/// Identifies the cameras of images from the database and the images' metadata.
 ///
-/// Pixel size: of the model found ("database"), of another size of the same camera
-/// ("estimated"), else of the metadata in the order of exif::findPixelSizeEvidence,
-/// without the sensor table where several cameras of the database share the name.
+/// The pixel size comes from the first of these that gives one:
+///  1. the database model of the image ("database")
+///  2. another image size of the same camera in the database ("estimated")
+///  3. the metadata, in the order of exif::findPixelSizeEvidence. The sensor table
+///     is left out if several cameras of the database share the name.
 ///
-/// The model is that of the size which the camera recorded. Where the file holds the
-/// same picture scaled, the pixel size is the recorded one's times recorded over own
-/// width, and the line read-out time grows with it. Where the proportions differ it
-/// is a crop: the pixel size stays, and the crop is taken for centred. Portrait
-/// images get the model turned clockwise.
+/// The model is looked up by the image size that the camera recorded. The file may
+/// contain the recorded picture scaled. The pixel size is then the recorded one times
+/// recorded width over file width, and the line read-out time grows by the same
+/// factor. If the proportions differ, the file is taken for a centred crop, and the
+/// pixel size stays. Portrait images get the model turned clockwise.
 ///
-/// Mode: what became of the recorded picture in the file, if it is not as recorded;
-/// else what the recorded picture is beside the camera's largest one in the database.
-/// Of cameras without known modes a picture is native if the metadata state its size.
+/// The mode compares the file with the recorded picture. If both are equal, it
+/// compares the recorded picture with the camera's largest one in the database. For
+/// cameras without modes in the database a picture is native if the metadata contain
+/// its size.
 ///
-/// A single-band image of a Sequoia that is 970 rows high counts as one of 960
-/// rows, in the file and as recorded: its first 8 and last 2 rows are no picture.
-/// The ExifInfo itself keeps both heights.
+/// A single-band image of a Sequoia that is 970 rows high counts as 960 rows high,
+/// in the file and as recorded: its first 8 and last 2 rows are debug lines. The
+/// ExifInfo itself keeps both heights.
 ///
-/// It refers to the database, which must stay unchanged; used by one thread.
+/// The identifier refers to the database, which must outlive it and stay unchanged.
+/// One thread at a time.
 class LUMO_CORE_EXPORT ImageIdentifier
 {
 public:
@@ -121,8 +124,8 @@ public:
 
     [[nodiscard]] ImageIdentification identify(const ExifInfo& recorded) const;
 
-    /// All models whose identifier names the image's camera, or that its identifiers
-    /// are mapped to, in the order of names, the user's first.
+    /// All models whose identifier names the image's camera, or to which one of the
+    /// image's identifiers is mapped. Sorted by name, the user's first.
     [[nodiscard]] std::vector<CandidateModel> candidates(const ExifInfo& recorded) const;
 
 private:
@@ -130,7 +133,8 @@ private:
     std::unique_ptr<const KnownModes> m_modes;
 };
 
-/// For a single image; of many, an ImageIdentifier looks through the database once.
+/// Identifies a single image. For several images use an ImageIdentifier, which reads
+/// through the database only once.
 [[nodiscard]] LUMO_CORE_EXPORT ImageIdentification
 identifyImage(const ExifInfo& recorded, const CameraModelDb& database);
 

@@ -7,9 +7,9 @@
 
 namespace lumo {
 
-/// How the picture in a file was made of the picture that the sensor gives.
+/// How the picture in a file was made from the sensor's full picture.
 enum class ImageMode : int {
-    Unknown = 0, ///< several ways fit equally, or nothing tells
+    Unknown = 0, ///< several modes fit equally, or there is no evidence
     Native,      ///< pixel for pixel, and all of it
     Resized,     ///< scaled by the camera or by a program
     Cropped,     ///< a part of it, pixel for pixel

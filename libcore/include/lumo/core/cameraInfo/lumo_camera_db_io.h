@@ -12,34 +12,37 @@ namespace cameradb {
 struct CameraDBData;
 }
 
-/// Moves the camera database between a store and its files, as the store's
-/// settings say. The store must outlive it. Failures are logged; of each function there is
-/// one that reports the reason, too, in `error` ("FILE: reason"), which is untouched on
-/// success.
+/// Loads and saves the camera database of a store, with the paths from the store's
+/// settings. The store must outlive this object. One thread at a time.
+///
+/// Failures are logged. The overload with `error` also reports the reason, as
+/// "FILE: reason"; it leaves `error` untouched on success.
 class LUMO_CORE_EXPORT CameraDbIo
 {
 public:
     explicit CameraDbIo(CameraModelDb& database);
 
-    /// Loads the internal tables, the user tables or both (an empty name: not
-    /// that one) in place of what the store holds of them. Tables whose load
-    /// fails are left empty.
+    /// Replaces the internal tables, the user tables, or both by those of the files.
+    /// An empty name leaves that side unchanged. Tables whose load fails become
+    /// empty.
     [[nodiscard]] bool loadXML(const QString& internalFile, const QString& userFile);
     [[nodiscard]] bool loadXML(
         const QString& internalFile, const QString& userFile, QString& error);
 
-    /// Merges a user document into the user tables; one of an older version is
-    /// converted first, which needs registerXmlConverters().
-    /// \param overwrite  its entries replace those of the same name
+    /// Merges a user document into the user tables. A document of an older version
+    /// is converted first, which needs registerXmlConverters().
+    /// \param overwrite  entries of the document replace the user's of the same name
     [[nodiscard]] bool addUserXML(const QString& file, bool overwrite);
     [[nodiscard]] bool addUserXML(const QString& file, bool overwrite, QString& error);
 
-    /// Brings the newest user file of an older version to the current one, saves
-    /// it there and loads it. False if there is none, or that failed; then there is
-    /// no folder of the current version that was not there before.
+    /// Converts the newest user file of an older version to the current one, saves
+    /// the result as the current user file, and loads it.
+    /// \returns false if there is no older file or the conversion failed. A failure
+    ///     leaves no new folder of the current version behind.
     [[nodiscard]] bool loadAndSavePreviousUserXML();
-    /// \param[out] error  "FILE: reason" if a user file of an older version is there
-    ///     and could not be brought forward, else untouched
+    /// As loadAndSavePreviousUserXML(), and reports why it failed.
+    /// \param[out] error  "FILE: reason" if there is an older user file that could
+    ///     not be converted, else untouched
     [[nodiscard]] bool loadAndSavePreviousUserXML(QString& error);
 
     /// Loads the internal tables from a text database (empty: the shipped one)
@@ -48,21 +51,20 @@ public:
     [[nodiscard]] bool loadAndSaveInternalTextDB(const QString& textFile);
     [[nodiscard]] bool loadAndSaveInternalTextDB(const QString& textFile, QString& error);
 
-    /// Loads a text database into the user's or the internal tables, in place of
-    /// what they hold.
+    /// Replaces the user's or the internal tables by those of a text database.
     [[nodiscard]] bool loadTextDB(const QString& textFile, bool userDatabase);
     [[nodiscard]] bool loadTextDB(const QString& textFile, bool userDatabase, QString& error);
 
-    /// Writes the user tables to the user file of the current version.
-    /// This and other changes are refused if the store does not allow editing.
+    /// Writes the user tables to the user file of the current version. Fails if the
+    /// store does not allow editing, as do all changes below.
     [[nodiscard]] bool saveUserXML() const;
     [[nodiscard]] bool saveUserXML(QString& error) const;
 
-    /// Writes the user tables to `file`, whose folder is made.
+    /// Writes the user tables to `file`, and creates its folder.
     [[nodiscard]] bool exportUserXML(const QString& file) const;
     [[nodiscard]] bool exportUserXML(const QString& file, QString& error) const;
 
-    /// Empties the user tables and, if they held anything, saves.
+    /// Empties the user tables. Saves unless they were empty before.
     bool clearUserXML();
     [[nodiscard]] bool clearUserXML(QString& error);
 
@@ -88,20 +90,22 @@ private:
 ///     the schema or the file cannot be read; else untouched
 [[nodiscard]] LUMO_CORE_EXPORT bool hasDbLastestFormat(const QString& file, QString& error);
 
-/// Fills a store at the start of a program: carries an older user file forward,
-/// loads the internal file (making it anew from the shipped text database if it
-/// is missing, was edited, or was made by a version that ships another one), then the
-/// user file. Where no internal file can be made, and without a data directory, the
-/// shipped database is held in memory alone. A disabled user database stays empty.
+/// Fills a store at the start of a program, in three steps:
+///  1. converts an older user file to the current version
+///  2. loads the internal file. The file is first rewritten from the shipped text
+///     database if it is missing, was edited, or came from another shipped database.
+///     Without a data directory, or if the file cannot be written, the shipped
+///     database is loaded into memory only.
+///  3. loads the user file, unless the user database is disabled
 ///
-/// A user file that does not load, or holds records that cannot be used, makes the user
-/// database read-only, so that nothing overwrites it; in the second case the other
-/// records are there. So does an older one that cannot be carried forward; then nothing
-/// is written, for the folder of the current version would keep the next start from
-/// trying again.
+/// The user database becomes read-only if its file does not load, so that nothing
+/// overwrites the file. The same happens if single records cannot be used; all other
+/// records are loaded. It also becomes read-only if an older user file cannot be
+/// converted. In that case nothing is written: a folder of the current version would
+/// keep the next start from trying the conversion again.
 /// \param[out] error  on failure what failed, else untouched
-/// \returns false if the internal tables are empty, or the user file did not load as
-///     a whole
+/// \returns false if the internal tables are empty, or the user file did not load
+///     completely
 [[nodiscard]] LUMO_CORE_EXPORT bool loadCameraDatabases(CameraModelDb& database, QString& error);
 
 } // namespace lumo

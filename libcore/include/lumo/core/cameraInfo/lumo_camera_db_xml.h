@@ -24,37 +24,38 @@ class QXmlStreamWriter;
 ///     </cameraModelDB>
 namespace lumo::cameradb {
 
-/// Names and values that stand behind the version; reading skips them.
+/// Names and values of the elements written after the version; reading skips them.
 using HeaderPairs = std::vector<std::pair<QString, QString>>;
 
 /// Reads a document into the tables of one database.
 ///
-/// Only `cameras` has to be there. Cameras and rigs that are not valid are left
-/// out, and of two records under one key (cameras: name and serial number) the
-/// later counts; each record that is lost so is logged as a warning, and stands in
-/// `data.skipped` unless the document is merged. The source of cameras becomes
-/// InternalDatabase, or for a user database UserDatabase unless it is
-/// EditedDatabase or Exif.
+/// The element `cameras` is required, all others are optional. Cameras and rigs that
+/// are not valid are left out. Of two records under one key (for cameras: name and
+/// serial number) the later one counts. Each record that is lost in one of these
+/// ways is logged as a warning and, unless the document is merged, listed in
+/// `data.skipped`. Cameras of the internal database get the source
+/// InternalDatabase; those of a user database get UserDatabase unless their source
+/// is EditedDatabase or Exif.
 ///
-/// Otherwise than merging, the tables are emptied first, also if reading fails
-/// then; `modified` says whether they hold or (on failure) held anything.
-/// A user database that is merged leaves the tables as they are on failure, and
-/// adds what they have no entry of that name for. With `overwrite` it adds all:
-/// a camera in place of the one with its name and serial number. `modified` then
-/// says whether anything was added.
-/// \param merge  of effect for a user database only
-/// \returns false, with a reason in the log, if it is no camera database or has
-///     no cameras element
+/// Without `merge` the tables are emptied first, even if reading then fails.
+/// With `merge` a failure leaves the tables unchanged. Merging adds records whose name
+/// is not in the tables. With `overwrite` it adds all records, and a camera
+/// replaces the one of the same name and serial number.
+/// \param merge  has an effect for a user database only
+/// \param[out] modified  with `merge`: whether a record was added. Else: whether
+///     the tables have an entry now or, on failure, had one before
+/// \returns false, with a reason in the log, if the document is not a camera
+///     database or has no element `cameras`
 [[nodiscard]] LUMO_CORE_EXPORT bool getXML(
     const QDomDocument& document, bool userDatabase, bool merge, bool overwrite, CameraDBData& data,
     bool& modified);
-/// As the function above, and reports why it failed.
+/// As getXML without `error`, and reports why it failed.
 /// \param[out] error  on failure which element is missing, else untouched
 [[nodiscard]] LUMO_CORE_EXPORT bool getXML(
     const QDomDocument& document, bool userDatabase, bool merge, bool overwrite, CameraDBData& data,
     bool& modified, QString& error);
 
-/// Reads a document of the current version as a user database, for a look at it.
+/// Reads a document of the current version as a user database, without a store.
 /// \param[out] data   replaced on success, untouched on failure
 /// \param[out] error  on failure "PATH: reason", else untouched
 [[nodiscard]] LUMO_CORE_EXPORT bool loadDocument(
@@ -64,9 +65,10 @@ using HeaderPairs = std::vector<std::pair<QString, QString>>;
 /// else its text; 0 if there is none.
 [[nodiscard]] LUMO_CORE_EXPORT std::size_t documentVersion(const QDomDocument& document);
 
-/// Whether a database of this version may be read; if not, or if it is newer,
-/// the log says so. An older user database may: it can be converted.
-/// \param allowHigher  whether a user database may be newer than this program
+/// Whether a database of this version may be read. An older user database may,
+/// because it can be converted. Logs a version that may not be read, and a newer
+/// one that may.
+/// \param allowHigher  accept a user database of a newer version than this program's
 [[nodiscard]] LUMO_CORE_EXPORT bool versionSupported(
     std::size_t version, bool userDatabase, bool allowHigher);
 /// As versionSupported(version, userDatabase, allowHigher), and reports why it failed.
@@ -81,9 +83,10 @@ LUMO_CORE_EXPORT void writeXML(
 
 /// The whole document as text, for a UTF-8 file; one tab a level.
 ///
-/// Refused is what reading would not give back: a text with a character that XML
+/// Refuses values that reading would not restore: a text with a character that XML
 /// forbids, a number of a rig that is not finite, an image size or index beyond 32
-/// bits, and a header pair whose name is no element name or one of the database's own.
+/// bits, and a header pair whose name is not an element name or is an element of the
+/// database itself.
 /// \param[out] text   replaced on success, untouched on failure
 /// \param[out] error  on failure which field of which record and why, else untouched
 [[nodiscard]] LUMO_CORE_EXPORT bool documentText(

@@ -11,18 +11,18 @@ namespace lumo {
 class LUMO_CORE_EXPORT TextFileIO
 {
 public:
-    /// Reads the file in place of what was held.
-    /// \param lock  hold a FileLock while reading, waiting for it 5 s at most; in a
-    ///     folder that may only be read the file is read without
-    /// \returns false if the file cannot be opened, locked or read, is empty or is
-    ///     no UTF-8; nothing is held then
+    /// Replaces the content by that of the file.
+    /// \param lock  keep a FileLock while reading, and wait for it at most 5 s. In a
+    ///     read-only folder the file is read without a lock.
+    /// \returns false if the file cannot be opened, locked or read, is empty, or is
+    ///     not UTF-8; the content is then empty
     [[nodiscard]] bool readFile(const QString& path, bool lock);
     /// As readFile(path, lock), and reports why it failed.
     /// \param[out] error  on failure "PATH: reason", else untouched
     [[nodiscard]] bool readFile(const QString& path, bool lock, QString& error);
 
-    /// Makes the content the file at `path`, whole or not at all.
-    /// \param lock  hold a FileLock meanwhile, waiting for it 5 s at most
+    /// Replaces the file at `path` by the content, completely or not at all.
+    /// \param lock  keep a FileLock while writing, and wait for it at most 5 s
     [[nodiscard]] bool writeFile(const QString& path, bool lock);
     /// As writeFile(path, lock), and reports why it failed.
     /// \param[out] error  on failure "PATH: reason", else untouched

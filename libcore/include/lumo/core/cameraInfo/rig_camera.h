@@ -51,7 +51,7 @@ struct LUMO_CORE_EXPORT rig_camera_filter_t
     /// All fields, the keys case-sensitive, the bands number by number.
     bool operator==(const rig_camera_filter_t&) const = default;
 
-    /// "Unknown", which stands for an EXIF string that is not known.
+    /// "Unknown": the EXIF string of a camera whose EXIF string is not known.
     [[nodiscard]] static const QString& unknownExifString();
 };
 
@@ -60,8 +60,8 @@ struct LUMO_CORE_EXPORT rig_camera_filter_t
 LUMO_CORE_EXPORT std::ostream& operator<<(std::ostream& out, const rig_camera_filter_t& filter);
 
 /// A camera of a rig model: what it is recognised by, and its display name.
-/// The accessors stand for the fields of the same name, which are reached
-/// through filter().
+/// The accessors read the fields of the same name in the base; filter() gives
+/// access for writing.
 struct LUMO_CORE_EXPORT RigModelCameraAttr : rig_camera_filter_t
 {
     QString name;

@@ -13,8 +13,8 @@
 
 namespace lumo {
 
-/// Images that were taken together by the cameras of one rig, one camera filter
-/// a camera: what chooses the rig model for them. A value.
+/// Search terms for a rig model: what is known of the cameras that took a set of
+/// images together, one camera filter per camera. A value.
 struct LUMO_CORE_EXPORT rig_filter_t
 {
     QString name; ///< the rig to try first; may be empty
@@ -36,11 +36,12 @@ struct LUMO_CORE_EXPORT rig_filter_t
     /// with an EXIF string.
     /// \param[out] serialSeen  some enabled camera has a serial number
     /// \param[out] uniqueDirOrPrefix  cameras are told apart by detection
-    ///     strings, and the enabled ones have different ones (case-sensitive).
-    ///     If a camera has no EXIF string, both speak of those before it, and of
-    ///     its own serial number; if fewer than two are enabled, both are false.
+    ///     strings, and no two enabled cameras share one (case-sensitive).
+    ///     Checking stops at the first camera without EXIF string: both results then
+    ///     cover the cameras before it, and `serialSeen` also that camera's serial
+    ///     number. If fewer than two cameras are enabled, both are false.
     [[nodiscard]] bool verify(bool& serialSeen, bool& uniqueDirOrPrefix) const;
-    /// verify() succeeds and says so.
+    /// verify() succeeds and sets its `uniqueDirOrPrefix`.
     [[nodiscard]] bool uniqueDirOrPrefix() const;
 
     void clearBands();

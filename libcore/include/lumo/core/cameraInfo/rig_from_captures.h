@@ -13,14 +13,14 @@ namespace lumo {
 
 class CameraModelDb;
 
-/// A rig model from the metadata of its own images.
+/// Makes a rig model from the metadata of images that the rig took.
 ///
-/// The cameras are those of the captures with the most images, in their order:
-/// EXIF strings, serial numbers and bands as makeCaptureFilter gives them, and
-/// where the metadata name neither band nor camera the end of the file name. The
-/// poses are the rotations in the metadata, with tolerances of 5 degrees; without
-/// any they are zero. The reference camera is the one that the metadata name, else
-/// the first.
+/// The cameras are those of the captures with the most images, in the same order.
+/// Their EXIF strings, serial numbers and bands come from makeCaptureFilter. If the
+/// metadata name neither band nor camera, the end of the file name becomes the
+/// detection string. The poses are the rotations in the metadata, or zero without
+/// them, with the tolerance rig_relatives_t::kDefaultTolerance. The reference camera
+/// is the one that the metadata name, else the first.
 /// \param[out] rig    replaced on success, untouched on failure
 /// \param[out] error  on failure why, else untouched: no capture of two images or
 ///     more, two cameras that cannot be told apart, or captures that disagree

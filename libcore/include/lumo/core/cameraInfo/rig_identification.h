@@ -17,22 +17,22 @@ namespace lumo {
 
 class CameraModelDb;
 
-/// What is known of each image's camera, as a filter for rigs whose cameras are
-/// told apart by detection strings.
+/// Makes a filter for rigs whose cameras are distinguished by detection strings,
+/// from the metadata and file names of one capture.
 ///
 /// EXIF string: the camera model's name in the database, else the image's
 /// identifier. Bands: those that the metadata name. Detection string: the part
-/// of the file name (its end, its beginning, or its folder) that a rig with that
-/// EXIF string lists; empty where the metadata name the band or camera.
+/// of the path (end or beginning of the file name, or folder) that a rig with that
+/// EXIF string lists; empty if the metadata name the band or camera.
 [[nodiscard]] LUMO_CORE_EXPORT rig_filter_t
 makeCaptureFilter(const Capture& capture, const CameraModelDb& database);
 
-/// The rig of one capture.
+/// The result of identifyRigs for one capture.
 struct RigIdentification
 {
     bool fits = false;
     /// The rig that fits, else the nearest one; empty if no rig has a camera of
-    /// this kind. The fields down to `assignment` are about it.
+    /// this kind. `source`, `cameraNames` and `assignment` describe this rig.
     QString rigName;
     std::optional<CameraSource> source;
     QStringList cameraNames; ///< by camera number
@@ -40,16 +40,17 @@ struct RigIdentification
     std::vector<std::size_t> assignment;
     int score = -1; ///< of rigdb::matchRigDB; -1 if none fits
     bool serialMatched = false;
-    /// Why none fits: "<rig>: <what does not fit>; ..." for each of the nearest
+    /// Why no rig fits: "<rig>: <what does not fit>; ..." for each of the nearest
     /// rigs, nearest first.
     QStringList reasons;
 };
 
-/// The rig of each capture, in order: the best of those whose cameras are told
-/// apart by detection strings or, if it has the higher score, of those told apart
-/// by their order, which is that of the capture's images. Rigs that are not valid
-/// do not count. Captures that are alike, as those of one flight are, are matched
-/// once.
+/// Finds the rig of each capture; the results are in the order of the captures.
+///
+/// The result is the rig with the highest score. A rig whose cameras are
+/// distinguished by their order (the order of the capture's images) must score
+/// higher than all rigs with detection strings. Rigs that are not valid do not
+/// count. Equal captures, such as those of one flight, are matched only once.
 [[nodiscard]] LUMO_CORE_EXPORT std::vector<RigIdentification> identifyRigs(
     const std::vector<Capture>& captures, const CameraModelDb& database);
 

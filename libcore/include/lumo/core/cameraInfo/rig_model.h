@@ -30,7 +30,7 @@ template <typename Attr>
 class RigImpl
 {
 public:
-    /// A camera other than the reference camera, and how it stands to that.
+    /// A camera other than the reference camera, with its pose relative to that.
     struct Secondary
     {
         Attr attributes;
@@ -62,9 +62,9 @@ public:
     [[nodiscard]] std::size_t cameraCount() const { return secondaries.size() + 1; }
 
     /// Camera i; i < cameraCount().
-    /// \throws std::out_of_range if there is no such camera, which for the last
-    ///     number is also so if refCameraIndex is not a camera of the rig. The
-    ///     other operations on camera numbers below do not check that either.
+    /// \throws std::out_of_range if there is no such camera. If refCameraIndex is
+    ///     not a camera of the rig, the last number throws as well. The
+    ///     operations on camera numbers below do not check refCameraIndex either.
     [[nodiscard]] Attr& attr(std::size_t i);
     [[nodiscard]] const Attr& attr(std::size_t i) const;
     [[nodiscard]] bool cameraEnabled(std::size_t i) const { return attr(i).enabled(); }
@@ -92,10 +92,10 @@ public:
     /// \returns false, with nothing changed, if i == j or one is not a camera
     [[nodiscard]] bool exchangeAttrs(std::size_t i, std::size_t j);
 
-    /// Makes camera k the reference camera and states all poses relative to it;
-    /// every camera keeps its number and attributes. All tolerances become
-    /// rig_relatives_t::kDefaultTolerance: those relative to another camera say
-    /// nothing of the new ones.
+    /// Makes camera k the reference camera and expresses all poses relative to it.
+    /// Every camera keeps its number and attributes. All tolerances become
+    /// rig_relatives_t::kDefaultTolerance, because a tolerance relative to the old
+    /// reference camera cannot be converted.
     ///
     /// Going to k and back restores the poses if their angles are within the
     /// ranges that rig_relatives_t::setRotation gives. Otherwise, and at gimbal
@@ -108,7 +108,7 @@ public:
 
 extern template class LUMO_CORE_EXPORT RigImpl<RigModelCameraAttr>;
 
-/// A rig as the camera database holds it.
+/// A rig as the camera database stores it.
 class LUMO_CORE_EXPORT RigModel : public RigImpl<RigModelCameraAttr>
 {
 public:
@@ -131,8 +131,8 @@ public:
     /// Same number of cameras, and each that is enabled in this rig is enabled
     /// in the other and has the same name, ignoring case.
     [[nodiscard]] bool sameCameraNames(const RigModel& other) const;
-    /// The serial number or EXIF string that all cameras share, enabled or not;
-    /// empty if they do not, and for the detection string.
+    /// The serial number or EXIF string that all cameras share, enabled or not.
+    /// Empty if they differ; always empty for the detection string.
     [[nodiscard]] QString commonMatchString(RigKey key) const;
 
     /// Takes over which cameras are enabled.
@@ -163,12 +163,12 @@ public:
         std::size_t i, const rig_camera_filter_t& filter, bool useSerial, bool useDetection,
         bool useBands) const;
 
-    /// A filter that this rig fits. Detection strings are left out unless the
-    /// rig's cameras are told apart by them, bands unless asked for. Only the
-    /// number of cameras is known of a rig with a single one.
+    /// Makes a filter that this rig fits. Detection strings are included only if the
+    /// rig's cameras are distinguished by them, bands only with `withBands`. For a
+    /// rig of a single camera the filter has one camera of which nothing is known.
     [[nodiscard]] rig_filter_t makeRigFilter(bool withBands) const;
-    /// As above with one key only: this one is never left out, so that asking for
-    /// detection strings gives those of any rig.
+    /// Makes a filter with one key of each camera. The key is included for every
+    /// rig: RigKey::DetectionString gives the detection strings of any rig.
     [[nodiscard]] rig_filter_t makeRigFilter(RigKey key) const;
 
     /// A rig of the filter's cameras: no camera names, all at the pose of the

@@ -8,10 +8,10 @@
 
 namespace lumo {
 
-/// The pose of a secondary camera in the frame of the reference camera, and how
-/// far a real camera may deviate from it. Angles are omega, phi, kappa in
-/// degrees; lengths are in the rig's own unit. A value; starts as the reference
-/// camera's own pose.
+/// The pose of a secondary camera in the frame of the reference camera, and the
+/// tolerance by which a real camera may deviate. Angles are omega, phi, kappa in
+/// degrees; lengths are in the rig's own unit. A value; a default-built one is the
+/// reference camera's own pose.
 struct LUMO_CORE_EXPORT rig_relatives_t
 {
     static constexpr double kDefaultTolerance = 5.0;

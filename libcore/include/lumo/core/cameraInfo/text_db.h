@@ -6,8 +6,8 @@
 
 #include <QString>
 
-/// The text form of a camera database: comma separated values in sections, made
-/// for spreadsheets and diffs.
+/// The text form of a camera database: comma-separated values in sections, for
+/// spreadsheets and diffs.
 ///
 ///     lumo camera database,1
 ///     # a comment
@@ -18,34 +18,36 @@
 ///
 /// The first line ends with the version of the form. Sections are cameras,
 /// bands, vignetting, pixelValues, mappings, rigs, rigCameras and rigBands; each
-/// is optional, and stands after those that its rows refer to. A section begins
-/// with a row of column names, in any order. Names end with the unit. A column
-/// that is left out, or an empty cell, is the default of its field; a camera
-/// without rows in bands has red, green and blue. The columns "facts" and
-/// "quality", where a section has them, are for people only. The last line tells a
-/// whole file from one that was cut off.
+/// is optional, and follows the sections that its rows refer to. A section begins
+/// with a row of column names, in any order. Column names end with the unit. A
+/// missing column or an empty cell means the default of its field. A camera
+/// without rows in `bands` has red, green and blue. The columns "facts" and
+/// "quality" are notes for people; reading ignores them. The last line, "[end]",
+/// makes a file recognisable that was cut off.
 ///
-/// Not held: the centre and type of vignetting models, which are polynomials.
+/// Not stored: the centre and type of vignetting models. Reading makes them
+/// polynomials.
 namespace lumo::cameradb {
 
 /// Reads all tables.
 ///
-/// Everything must be in order: every number and name parses, records are valid,
-/// none stands twice, and rows refer to cameras and rigs that are there.
-/// Mappings may lead to models of another database.
+/// Fails at the first number or name that does not parse, record that is not valid
+/// or occurs twice, and row that refers to a camera or rig the text does not
+/// contain. Mappings may lead to models of another database.
 /// \param[out] data   replaced on success, untouched on failure
 /// \param[out] error  on failure "line L, column C: reason", else untouched. The
 ///     column is that of the cell's first character.
 [[nodiscard]] LUMO_CORE_EXPORT bool readTextDB(
     const QString& text, CameraDBData& data, QString& error);
 
-/// The text form of valid cameras and rigs and of all mappings, in key order.
+/// Writes the text form of valid cameras and rigs and of all mappings, in key order.
 ///
-/// Left out is what reading would refuse: a record that is not valid, the second
+/// Leaves out what reading would refuse: a record that is not valid, the second
 /// of two with one key, a mapping from or to an empty name, pixel values of an
 /// unknown type, a vignetting model without coefficients. Lengths in
-/// micrometres have 15 digits, vignetting coefficients 6, other numbers as many
-/// as reading them back exactly takes.
+/// micrometres have 15 digits: more would not survive the conversion from and to mm.
+/// Vignetting coefficients have 6 digits (see vignetting2string). Other numbers have as
+/// many digits as reading them back exactly needs.
 [[nodiscard]] LUMO_CORE_EXPORT QString writeTextDB(const CameraDBData& data);
 
 /// Reads a UTF-8 file, or a Qt resource, of at most 256 MiB. Everything else

@@ -3,7 +3,8 @@
 
 #include "lumo/core/export.h"
 
-/// What this library was built from.
+/// The source version, commit and compiler of this build of the library. The texts
+/// are static and never null.
 namespace lumo::core::build {
 
 [[nodiscard]] LUMO_CORE_EXPORT const char* version();  ///< such as "0.1.0"

@@ -6,22 +6,22 @@
 #include <cstddef>
 #include <string>
 
-/// The GPUs of this machine, as its CUDA driver tells them. The driver is asked once,
-/// by the first function that needs it. Devices are numbered from 0; of one that does
-/// not exist or does not answer, text is empty or "unknown device" and numbers are 0.
-/// From any thread.
+/// The GPUs of this machine, as its CUDA driver reports them. The first function that
+/// needs the driver queries it once. Devices are numbered from 0. For a device that
+/// does not exist or does not answer, texts are empty or "unknown device" and numbers
+/// are 0. All functions may be called from any thread.
 namespace lumo::cuda {
 
-/// 0 if there is no device or no driver.
+/// The number of devices; 0 without a driver.
 [[nodiscard]] LUMO_CORE_EXPORT int getDeviceCount();
 
-/// As the driver names it, such as its product name.
+/// The device's name in the driver, usually its product name.
 [[nodiscard]] LUMO_CORE_EXPORT std::string getDeviceName(int device);
 
-/// In MHz.
+/// The device's clock rate in MHz.
 [[nodiscard]] LUMO_CORE_EXPORT int getClockRate(int device);
 
-/// In MB of 2^20 bytes, never rounded up.
+/// The device's memory in MB of 2^20 bytes, never rounded up.
 [[nodiscard]] LUMO_CORE_EXPORT float getGlobalMemory(int device);
 
 /// Whether the driver ends kernels that run too long.
@@ -39,20 +39,20 @@ constexpr float kRecommendedMemoryMB = 2000.0F;
 /// Whether it has at least kRecommendedMemoryMB.
 [[nodiscard]] LUMO_CORE_EXPORT bool isDeviceRecommended(int device);
 
-/// Tells which devices processing may use: bit i stands for device i.
+/// Sets which devices processing may use: bit i enables device i.
 /// \returns true
 LUMO_CORE_EXPORT bool setGPUFlags(std::size_t flags);
 
-/// Takes back all memory on all devices, for the whole process: nothing may be
-/// running on them.
+/// Frees all memory on all devices, for the whole process. Nothing may be running on
+/// the devices.
 LUMO_CORE_EXPORT void cudaResetAllDevices();
 
 /// \param[out] text  "GPU 0 NAME" for the device of the calling thread's context;
 ///                   unchanged if it has none
 LUMO_CORE_EXPORT void getActiveDeviceString(std::string& text);
 
-/// A device in one line: name, clock rate, memory, kernel time limit; empty if there
-/// is no device to work with.
+/// Describes a device in one line: name, clock rate, memory, kernel time limit. Empty
+/// if gpusAvailableForProcessing() is false.
 [[nodiscard]] LUMO_CORE_EXPORT std::string device2string(int device);
 
 /// Whether this program was built to use GPUs: true.

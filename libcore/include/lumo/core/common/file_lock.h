@@ -9,23 +9,24 @@ class QFile;
 
 namespace lumo {
 
-/// An advisory lock beside a file, "<file>.lock". A lock that a process left
-/// behind when it was killed is taken over.
+/// An advisory lock on a file, by a file "<file>.lock" beside it. A lock that a killed
+/// process left behind is taken over.
 ///
-/// The file must outlive the lock; a held lock is released by the destructor.
+/// The QFile must outlive the lock. The destructor releases the lock.
 class LUMO_CORE_EXPORT FileLock
 {
 public:
     explicit FileLock(const QFile& file);
 
-    /// \param timeoutMs  how long to wait for another holder; negative: for ever
-    /// \returns false at once if the file is not open or no lock file can be
-    ///     made, and after the time if another process holds the lock
+    /// \param timeoutMs  how long (ms) to wait for another process to release the
+    ///     lock; negative: without limit
+    /// \returns false at once if the file is not open or the lock file cannot be
+    ///     created; false after the time if another process keeps the lock
     [[nodiscard]] bool tryLock(int timeoutMs);
     void unlock();
 
-    /// Whether the last failure was that no lock file can be made, as in a folder
-    /// that may only be read.
+    /// Whether the last tryLock() failed because the lock file cannot be created, as
+    /// in a read-only folder.
     [[nodiscard]] bool notPermitted() const;
 
 private:

@@ -10,26 +10,26 @@
 
 namespace lumo {
 
-/// What processing may use of this machine: CPU threads, memory and GPUs. Limits start
-/// at what the process is granted (see lumo/foundation/system_limits.h), GPUs are
-/// enabled if their memory suffices (cuda::isDeviceRecommended). Changes of GPU flags
-/// are passed on at once to the library that runs on them.
+/// The resources of this machine that processing may use: CPU threads, memory and
+/// GPUs. The limits start at what the operating system grants the process (see
+/// lumo/foundation/system_limits.h). A GPU starts enabled if its memory suffices
+/// (cuda::isDeviceRecommended). Changes of GPU flags reach cuda::setGPUFlags at once.
 ///
-/// Flags are 64 bits: of more devices, those from number 64 on are listed but cannot
-/// be enabled.
+/// There are 64 flags: devices from number 64 on are listed but cannot be enabled.
 ///
-/// instance() may be called from any thread. All else is for the thread that sets up
-/// processing, before it starts; afterwards any thread may read.
+/// instance() may be called from any thread. Only the thread that sets up processing
+/// may change values, before processing starts; afterwards any thread may read.
 class LUMO_CORE_EXPORT ProcessingResources
 {
 public:
-    /// Made by the first call, which opens the GPU driver.
+    /// The one instance of the process. The first call makes it and opens the GPU
+    /// driver.
     [[nodiscard]] static ProcessingResources& instance();
 
     ProcessingResources(const ProcessingResources&) = delete;
     ProcessingResources& operator=(const ProcessingResources&) = delete;
 
-    /// CPU threads.
+    /// The number of CPU threads.
     [[nodiscard]] int maxCPUs() const;
     /// \throws std::invalid_argument if n < 1
     void setMaxCPUs(int n);
@@ -40,12 +40,12 @@ public:
     /// \throws std::invalid_argument if n < 1, or if it has no value in MB
     void setMaxRAMGB(int n);
 
-    /// Devices that the driver has.
+    /// The number of devices that the driver reports.
     [[nodiscard]] std::size_t gpuCount() const;
     /// \throws std::out_of_range if i >= gpuCount()
     [[nodiscard]] std::string gpuName(std::size_t i) const;
-    /// Bit i stands for device i; bits without a device are as they were set last for
-    /// all devices.
+    /// Bit i is set if device i is enabled. Bits without a device have the value of
+    /// the latest disableAllGpus() or enableAllGpus().
     [[nodiscard]] std::size_t gpuFlags() const;
     /// \throws std::out_of_range if i >= gpuCount()
     [[nodiscard]] bool gpuEnabled(std::size_t i) const;

@@ -6,9 +6,10 @@
 
 namespace lumo {
 
-/// Keeps the operating system from going to sleep while at least one of these lives.
-/// A copy counts on its own. Where the system refuses, a warning says so and the work
-/// goes on. From any thread; may be destroyed on another one.
+/// Keeps the operating system awake while at least one object of this class lives. A
+/// copy counts as an object of its own. If the system refuses, a warning is logged and
+/// the work goes on. Objects may be made and destroyed on any thread, also on
+/// different ones.
 class LUMO_CORE_EXPORT ScopedDisablePowerSave : public RecursiveResource
 {
 public:

@@ -15,7 +15,7 @@
 
 namespace lumo {
 
-/// What the application is doing: its coarse state, the current processing step
+/// The state of the application: its coarse state, the current processing step
 /// with the steps it is nested in, how it was started, and the last failure.
 ///
 /// State, step and the two flags may be read and written from any thread. Steps
@@ -25,9 +25,9 @@ namespace lumo {
 /// The signals are emitted by the function that makes the change, on the thread
 /// that calls it and before it returns. A receiver that lives on another thread
 /// must be connected with a queued connection (which the automatic connection
-/// to a QObject is); it then gets the changes of one thread in their order.
-/// Where two threads write at once, the order of their signals is open:
-/// a receiver of stateChanged() asks for the state.
+/// to a QObject is); the receiver then gets the changes of one thread in order.
+/// If two threads write at once, the order of their signals is not defined:
+/// a receiver of stateChanged() should read state().
 class LUMO_CORE_EXPORT ApplicationStateService : public QObject, public Service
 {
     Q_OBJECT
@@ -52,11 +52,11 @@ public:
 
     // State
 
-    /// Takes the state and, if it was another one, emits stateChanged() and logs
-    /// the new state, unless it is OtherRunning or none of the enumeration.
+    /// Sets the state. If the state changes, emits stateChanged(), and logs the new
+    /// state unless it is OtherRunning or not a value of the enumeration.
     void setState(State state);
     [[nodiscard]] State state() const { return m_state; }
-    /// The name in the enumeration; "Unknown" for a number that is none of it.
+    /// The state's name in the enumeration; "Unknown" for any other number.
     [[nodiscard]] QString stateString() const;
     [[nodiscard]] bool isLoadingProject() const;
     /// Also while the project is being processed.
@@ -69,13 +69,13 @@ public:
 
     // Processing steps
 
-    /// Makes `step` the current one, emits processingStepChanged() and, unless
-    /// it is negative (no step), logs that it started and nests it in those
-    /// that run. Does nothing if it is the current step already.
+    /// Makes `step` the current step and emits processingStepChanged(). Unless `step`
+    /// is negative (no step), also logs its start and adds it as the innermost
+    /// running step. Does nothing if `step` is the current step already.
     void startProcessingStep(ProcessingStep step);
-    /// Logs that the innermost of the running steps is finished, and takes it out.
-    /// The current step stays, without a signal: it is the last one that began,
-    /// so that a failure found afterwards can be put down to it.
+    /// Logs that the innermost running step is finished, and removes it from the
+    /// running steps. The current step stays the last one that began, and no signal
+    /// is emitted: a failure found afterwards can then be attributed to that step.
     /// \returns false, with a warning in the log, if no step runs
     bool stopProcessingStep();
     [[nodiscard]] ProcessingStep processingStep() const { return m_step; }
@@ -96,8 +96,8 @@ public:
     // Failure
 
     /// Keeps the failure, and the current step as the one it happened in.
-    /// \param arg1, arg2  what the failure is about, such as a file name. Empty
-    ///     ones at the end are not kept; arg2 is argument 1 whatever arg1 is
+    /// \param arg1, arg2  details of the failure, such as a file name: arguments 0
+    ///     and 1 of procFailArg(). Empty arguments at the end are not kept
     void setProcFailure(ProcFailCode code, const QString& arg1, const QString& arg2);
     void clearProcFailure();
     [[nodiscard]] bool procFailed() const { return m_failCode != ProcFailCode::None; }

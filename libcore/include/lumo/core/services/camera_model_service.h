@@ -7,11 +7,11 @@
 
 namespace lumo {
 
-/// Holds the process's camera model database, which is empty until the
-/// application gives it settings (CameraModelDb::reset) and loads it.
+/// Owns the process's camera model database. The database is empty until the
+/// application sets its settings (CameraModelDb::reset) and loads it.
 ///
-/// The service may be asked for from any thread; the database has no lock and is
-/// used by one thread at a time.
+/// The service may be obtained on any thread. The database has no lock: only one
+/// thread at a time may use it.
 class LUMO_CORE_EXPORT CameraModelService : public Service
 {
 public:

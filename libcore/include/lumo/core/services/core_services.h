@@ -14,11 +14,11 @@ class StatusBarService;
 
 /// Owns the services of the process, one of each.
 ///
-/// The one registry is made by the first call of instance(), from whichever
-/// thread; others that come meanwhile wait for it. An application calls it first
-/// of all, on its main thread: making it also registers the XML conversion steps
-/// and leads the solvers' messages into the log. It lives until the static
-/// objects are destroyed, so past the application object of Qt.
+/// The first call of instance() makes the one registry, on any thread; concurrent
+/// calls wait for it. Making the registry also registers the XML conversion steps
+/// and redirects the solvers' messages to the log. An application should therefore
+/// call instance() first of all, on its main thread. The registry lives until static
+/// objects are destroyed, so longer than Qt's application object.
 class LUMO_CORE_EXPORT CoreServices
 {
 public:
@@ -32,7 +32,7 @@ public:
     /// Deletes the services in the reverse order of their creation.
     virtual ~CoreServices();
 
-    // The references hold as long as the registry. From any thread.
+    // The references are valid as long as the registry lives. From any thread.
     [[nodiscard]] ApplicationStateService& applicationState() { return *m_applicationState; }
     [[nodiscard]] ProgressStatusService& progressStatus() { return *m_progressStatus; }
     [[nodiscard]] StatusBarService& statusBar() { return *m_statusBar; }
@@ -50,8 +50,8 @@ private:
     std::unique_ptr<CameraModelService> m_cameraModelService;
 };
 
-// The services of CoreServices::instance(). What each may be asked from which
-// thread stands with its class.
+// The services of CoreServices::instance(). The class of each service documents which
+// calls are allowed on which thread.
 
 /// CoreServices::applicationState() of the process.
 [[nodiscard]] LUMO_CORE_EXPORT ApplicationStateService& serviceApplicationState();

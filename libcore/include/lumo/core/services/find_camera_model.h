@@ -7,14 +7,13 @@
 
 namespace lumo {
 
-/// The camera of an image, from the process's camera model database: the model
-/// that is named as the first identifier of the image says, for exactly the
-/// image's serial number. Mappings and generic models are not asked; see
-/// CameraModelDb::findCameraModel for those.
+/// Finds the camera of an image in the process's camera model database: the model
+/// named like the image's first identifier, with exactly the image's serial number.
+/// Ignores mappings and generic models; CameraModelDb::findCameraModel uses them.
 /// \returns a default CameraData if there is no such model
 ///
-/// Uses the database of serviceCamDB(), so it is called on the thread that uses
-/// that.
+/// Uses the database of serviceCamDB(), which has no lock: call it only on the
+/// thread that uses this database.
 [[nodiscard]] LUMO_CORE_EXPORT CameraData findCameraModel(const ExifInfo& exif);
 
 } // namespace lumo

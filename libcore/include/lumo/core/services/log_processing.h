@@ -6,16 +6,16 @@
 
 namespace lumo {
 
-/// Says that a processing step runs while the guard lives:
+/// Marks a processing step as running while the guard lives:
 ///
 ///     const LogProcessing running(ProcessingStep::KeypointMatching);
 ///
-/// It starts the step in the process's ApplicationStateService and stops the
-/// innermost running one at its end, so guards end in the reverse order of
-/// their beginning. Guards are used by one thread at a time.
+/// The constructor starts the step in the process's ApplicationStateService. The
+/// destructor stops the innermost running step, so guards must end in the reverse
+/// order of their construction. One thread at a time may use guards.
 ///
-/// A step that is current already does not start again; the end of its guard
-/// then takes out the step around it, or logs a warning if there is none.
+/// A step that is the current one already does not start again. The destructor of
+/// such a guard stops the enclosing step, or logs a warning if there is none.
 class LUMO_CORE_EXPORT LogProcessing
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace lumo {
 
-/// Why processing failed. The numbers are kept and compared.
+/// Why processing failed. Applications store the numbers, so they must not change.
 enum class ProcFailCode : std::int32_t {
     None = 0, ///< it did not fail
     Unknown = 1,

@@ -11,8 +11,8 @@
 
 namespace lumo {
 
-/// The progress of processing and the request to stop it, both held by the
-/// process's ProcessingBlob, and the image that is being worked on.
+/// The progress of processing, the request to stop it, and the current image. The
+/// process's ProcessingBlob stores progress and request.
 ///
 /// All functions may be called from any thread.
 class LUMO_CORE_EXPORT ProgressStatusService : public QObject, public Service
@@ -20,7 +20,7 @@ class LUMO_CORE_EXPORT ProgressStatusService : public QObject, public Service
     Q_OBJECT
 
 public:
-    /// What became of the current image. Known to the meta-object system as
+    /// The state of the current image. Registered with the meta-object system as
     /// "lumo::ProgressStatusService::State".
     enum class State : std::int32_t {
         Waiting = 0, ///< its turn will come
@@ -34,21 +34,21 @@ public:
     explicit ProgressStatusService(QObject* parent = nullptr);
     ~ProgressStatusService() override;
 
-    /// \param percent  0 to 100, beyond that counted as the nearer of them
+    /// \param percent  0 to 100; clamped to this range
     void setProgress(int percent, const QString& text);
     /// `current` parts of `total` are done.
     void setProgress(unsigned long long current, unsigned long long total, const QString& text);
-    /// Whether the run should end early; the work asks often.
+    /// Whether the run should end early. Long work must call this often.
     [[nodiscard]] bool shouldStop() const;
     /// Begins a run: no progress, no request to stop.
     void start();
-    /// Requests the run to end; holds until the next start().
+    /// Requests the run to end. The request stays until the next start().
     void stop();
     void setCurrentImage(const QString& imagePath, State state);
 
 Q_SIGNALS:
-    /// By every setCurrentImage(), on the thread that calls it and before it
-    /// returns; a receiver that lives on another thread must be connected with a
+    /// Emitted by every setCurrentImage(), on the calling thread and before the call
+    /// returns. A receiver that lives on another thread must be connected with a
     /// queued connection (which the automatic connection to a QObject is).
     void updateCurrentImage(QString imagePath, lumo::ProgressStatusService::State state);
 };

@@ -5,8 +5,8 @@
 
 namespace lumo {
 
-/// What all services of the process have in common: CoreServices owns one of
-/// each, as long as the process lives.
+/// Base of all services of the process. CoreServices owns one of each, as long as
+/// the process lives. A service cannot be copied.
 class LUMO_CORE_EXPORT Service
 {
 public:

@@ -9,13 +9,13 @@
 
 namespace lumo {
 
-/// Turns what processing code has to say into signals for a status bar. It keeps
+/// Emits the messages of processing code as signals for a status bar. It stores
 /// nothing: without a receiver a call has no effect.
 ///
 /// May be called from any thread. Each call emits its signal once, on the
-/// calling thread and before it returns; a receiver that lives on another thread
+/// calling thread and before it returns. A receiver that lives on another thread
 /// must be connected with a queued connection (which the automatic connection to
-/// a QObject is), and then gets the calls of one thread in their order.
+/// a QObject is); it then gets the calls of one thread in their order.
 class LUMO_CORE_EXPORT StatusBarService : public QObject, public Service
 {
     Q_OBJECT
@@ -24,13 +24,15 @@ public:
     explicit StatusBarService(QObject* parent = nullptr);
     ~StatusBarService() override;
 
-    /// \param step  how far the work is, from `min` to `max`; passed on unchecked
+    /// Shows progress and a message.
+    /// \param step  the progress, from `min` to `max`; all three are passed on unchecked
     void setProgress(int step, int min, int max, const QString& msg);
     /// Shows a message until the next one.
     void setMessage(const QString& msg);
-    /// \param timeout  seconds for which the message is shown
+    /// Shows a message for a limited time.
+    /// \param timeout  in seconds
     void flashMessage(const QString& msg, float timeout);
-    /// Shows a message and that work without known length goes on.
+    /// Shows a message and an indicator for work of unknown length.
     void busyMessage(const QString& msg);
     void clear();
 

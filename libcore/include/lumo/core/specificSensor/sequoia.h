@@ -20,17 +20,17 @@
 /// device, with one serial number. Its raw single-band images are 970 rows high;
 /// the first 8 and the last 2 rows hold debug lines, no picture.
 ///
-/// All functions may run in parallel on different objects. None fails: what does
-/// not apply is left as it is.
+/// All functions may run in parallel on different objects. None fails: objects that
+/// are not concerned stay unchanged.
 namespace lumo {
 
-/// What a project holds of one Sequoia.
+/// The images of one Sequoia device in a project.
 struct ProjectInfoForSequoiaDevice
 {
     /// The spectral kind of the device's first image as a number. Devices of kind
     /// 1 (multispectral) need their factory calibration file.
     std::int32_t deviceKind = 0;
-    /// The folders that hold the device's images, each once, in the images' order.
+    /// The folders of the device's images, each once, in the images' order.
     std::vector<QString> imageDirectories;
 
     bool operator==(const ProjectInfoForSequoiaDevice&) const = default;
@@ -66,9 +66,9 @@ sequoiaProjectInfo(const std::vector<InputImage>& images);
     const std::unordered_map<QString, QString>& calibrationFiles);
 
 /// Looks for each device's factory calibration file "sequoia_therm.dat" in the
-/// folders of its images; the first one with the device's own serial number is
-/// taken (see exif::getSerialNumber for the forms that are read).
-/// \returns paths by serial number; a device without such a file is not among them
+/// folders of its images. Takes the first file with the device's own serial number;
+/// exif::getSerialNumber documents the accepted forms.
+/// \returns paths by serial number; devices without such a file have no entry
 [[nodiscard]] LUMO_CORE_EXPORT std::unordered_map<QString, QString>
 autodetectSequoiaFactoryCalibrationFiles(
     const std::unordered_map<QString, ProjectInfoForSequoiaDevice>& devices);

@@ -12,8 +12,8 @@ namespace lumo {
 /// commas; empty if there are none.
 [[nodiscard]] LUMO_CORE_EXPORT QString vignetting2string(const VignettingData& vignetting);
 
-/// A polynomial model with the numbers of the text as one column. A part that is
-/// not a number counts as 0; a comma at the end adds nothing.
+/// Makes a polynomial model with the numbers of the text as its one column. A part
+/// that is not a number counts as 0; a comma at the end adds nothing.
 [[nodiscard]] LUMO_CORE_EXPORT VignettingData string2vignetting(const QString& text);
 
 } // namespace lumo

@@ -9,10 +9,10 @@
 
 namespace lumo {
 
-/// Brings a camera database file of an older format version up to the current
-/// one, in the steps 16 -> 17 (for all older versions), 17 -> 18 and 18 -> 19.
-/// Needs registerXmlConverters(), and below the application directory the
-/// stylesheets in "resources/xsl". One thread at a time.
+/// Converts a camera database file of an older format version to the current one,
+/// in the steps 16 -> 17 (for all older versions), 17 -> 18 and 18 -> 19.
+/// Needs registerXmlConverters(), and the stylesheets in "resources/xsl" below the
+/// application directory. One thread at a time.
 class LUMO_CORE_EXPORT CameraDbConverter
 {
 public:
@@ -25,16 +25,16 @@ public:
     CameraDbConverter& operator=(const CameraDbConverter&) = delete;
     ~CameraDbConverter();
 
-    /// Whether a step is left to be done. (The name is part of the interface.)
+    /// Whether a step remains. (The spelling is part of the interface.)
     [[nodiscard]] bool needsConvertion() const;
 
     /// Runs the steps in memory and replaces `outputFile`, which may be the input
-    /// file, by the result. Afterwards nothing is left to be done.
-    /// \returns false, with no file touched, if there was nothing to be done or
-    ///     something failed, which is logged; the call may then be repeated
+    /// file, by the result. After success no step remains.
+    /// \returns false, with no file touched, if no step remained or a step failed;
+    ///     a failure is logged, and the call may be repeated
     [[nodiscard]] bool convert(const QString& outputFile);
-    /// Likewise, but nothing is logged.
-    /// \param[out] error  on failure why, else untouched
+    /// As convert(outputFile), and reports why it failed instead of logging it.
+    /// \param[out] error  on failure the reason, else untouched
     [[nodiscard]] bool convert(const QString& outputFile, QString& error);
 
 private:

@@ -12,10 +12,10 @@ class QXmlStreamWriter;
 /// One camera's parameters as XML, the same wherever a camera is stored. Lengths
 /// are in millimetres, affine fisheye terms in pixels.
 ///
-/// What comes back is what was written, but for the digits, and for these:
+/// Reading restores what was written, except for the number of digits and for these:
 ///  - shutter models 1, 2 and 3 are stored as one and read as 2, and 4 is stored
 ///    as a global shutter; line read-out times up to 0.0001 ms are left out
-///  - a symmetric affine part has d = e = 0 and f = c; a p0 held at zero is zero
+///  - a symmetric affine part has d = e = 0 and f = c; a p0 fixed at zero is zero
 ///  - of vignetting models the type (polynomial) and the centre are not stored,
 ///    nor are pixel values of an unknown type
 namespace lumo::io {
@@ -26,23 +26,24 @@ enum class XmlOutputType : int {
     Short = 1, ///< for people: fewer digits than reading back would need
 };
 
-/// Writes the elements of `params` into the element that is open. The name is
-/// none of them. A lens type without a name is left out with all its elements.
+/// Writes the elements of `params` into the element that is open in `writer`. The
+/// camera's name is not written. A lens type without a name is left out with all its
+/// elements.
 LUMO_CORE_EXPORT void writeCameraParams(
     QXmlStreamWriter& writer, const CameraParams& params, XmlOutputType type);
 
-/// Takes the parameters from an element that writeCameraParams wrote into. What
-/// is missing is the default of its field; an unknown or missing lens type is a
-/// perspective lens. All but `params.name` is replaced. A vignetting model or a
-/// range of pixel values that has no place is skipped with a warning.
+/// Reads the parameters from an element that writeCameraParams wrote into. Replaces
+/// all of `params` except the name. A missing element means the default of its
+/// field; an unknown or missing lens type means a perspective lens. A vignetting
+/// model or pixel value range that `params` cannot store is skipped with a warning.
 LUMO_CORE_EXPORT void readCameraParams(const QDomElement& element, CameraParams& params);
 
-/// Writes an element "camera" with all of a camera but its identifier and what a
-/// new model would leave alone (the keep flags).
+/// Writes an element "camera" with all of a camera except its identifier and its
+/// keep flags (which values a new model leaves unchanged).
 LUMO_CORE_EXPORT void writeCamera(QXmlStreamWriter& writer, const CameraData& camera);
 
-/// The camera of an element that writeCamera wrote.
-/// \param version  of the document around it; all so far are read alike
+/// Reads a camera from an element that writeCamera wrote.
+/// \param version  of the enclosing document; has no effect so far
 [[nodiscard]] LUMO_CORE_EXPORT CameraData
 readCamera(const QDomElement& element, std::size_t version);
 

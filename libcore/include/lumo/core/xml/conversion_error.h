@@ -9,8 +9,8 @@
 
 namespace lumo {
 
-/// What the converters throw where the text is the same for all inputs: what() is that
-/// text, and the reason stands beside it.
+/// A failed conversion. what() is a fixed text, the same for all inputs; reason()
+/// describes the fault in this input.
 class LUMO_CORE_EXPORT ConversionError : public std::runtime_error
 {
 public:
@@ -24,7 +24,7 @@ private:
     QString m_reason;
 };
 
-/// The text of an exception, and behind a colon the reason if it is a ConversionError.
+/// The text of an exception; for a ConversionError followed by ": " and its reason.
 [[nodiscard]] LUMO_CORE_EXPORT QString faultText(const std::exception& fault);
 
 } // namespace lumo

@@ -5,16 +5,17 @@
 
 namespace lumo {
 
-/// Camera databases up to format version 16 to version 17: gathers the entries,
-/// which were direct children of the root, in sections, and gives elements and
-/// attributes their new names.
+/// Converts camera databases up to format version 16 to version 17. Moves the
+/// entries, which were direct children of the root, into sections, and renames
+/// elements and attributes.
 class LUMO_CORE_EXPORT DbConversion16_17 : public IXmlConversion
 {
 public:
     DbConversion16_17();
     ~DbConversion16_17() override;
 
-    /// The input is validated against this schema first; empty: it is not.
+    /// Sets the schema that convert() validates its input against; an empty path
+    /// skips the validation.
     void setXsdFile(const QString& xsdFile) override;
     void setXslFile(const QString& xslFile) override; ///< does nothing
 

@@ -15,10 +15,10 @@ template <typename T>
 class ExtensibleFactory
 {
 public:
-    /// Makes a new object, which `create` hands on unseen.
+    /// Makes a new object; `create` returns it unchecked, even if it is null.
     using Creator = std::unique_ptr<T> (*)();
 
-    /// A key that is known already gets the new creator.
+    /// Registers `creator` under `key`, and replaces a creator registered before.
     /// \throws std::invalid_argument if `creator` is null
     void registerCreator(const std::string& key, Creator creator)
     {

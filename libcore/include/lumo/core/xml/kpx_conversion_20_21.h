@@ -7,16 +7,16 @@
 
 namespace lumo {
 
-/// Projects (root "lumoair") and processing templates (root "lumotmpl") up to
-/// product version 2.0 to 2.1, format version 0: options get their current names
-/// and stand in the section whose type in the schema "resources/xsd/0/lumo.xsd",
-/// below the application directory, lists them.
+/// Converts projects (root "lumoair") and processing templates (root "lumotmpl") up
+/// to product version 2.0 to 2.1, format version 0. Options get their current names
+/// and move into sections. The schema "resources/xsd/0/lumo.xsd", below the
+/// application directory, decides which section lists an option.
 ///
-/// What has no place in the result (options and elements that are not known, a
-/// second value for one option, comments) is dropped, told by `changes`, and
-/// logged as a warning "WHAT is dropped: reason (line L, N times)". So are camera
-/// models that are not valid and user objects of unknown types or shapes, each
-/// with a warning of its own.
+/// Unknown options and elements, a second value for one option, and comments are
+/// dropped. Each is listed in `changes` and logged as a warning
+/// "WHAT is dropped: reason (line L, N times)". Camera models that are not valid, and
+/// user objects of unknown types or shapes, are dropped as well; each has a warning
+/// of its own.
 class LUMO_CORE_EXPORT KpxConversion20_21 : public IXmlConversion
 {
 public:
@@ -31,7 +31,7 @@ public:
     void setXsdFile(const QString& xsdFile) override; ///< does nothing
     void setXslFile(const QString& xslFile) override; ///< does nothing
 
-    /// Needs little memory beside the input and the result.
+    /// Converts the document. Needs little memory beside the input and the result.
     /// \returns a UTF-8 XML declaration, a line feed, and the result, indented
     /// \throws std::runtime_error "Start of document not found", "Initial tag not
     ///     expected", "conversion not supported for very old project version (V).
@@ -40,10 +40,11 @@ public:
     ///     "Expected template <= 2.0, reading template >= 2.1", "GCP:tolerance not
     ///     supported anymore", "unexpected value in updateInternals when converting
     ///     to new tags", the same for projectType, "classes tag should not have any
-    ///     attribute"; why the schema cannot be read; or why the input cannot
+    ///     attribute"; or with the reason why the schema or the input cannot be read
     [[nodiscard]] QByteArray convert(QIODevice* input) override;
 
-    /// What the latest `convert` did, by line; empty before and after a failure.
+    /// The changes that the latest `convert` made, sorted by line. Empty before the
+    /// first call and after a failure.
     [[nodiscard]] const std::vector<ConversionChange>& changes() const;
     /// \returns `changes`, whatever the input
     [[nodiscard]] std::vector<ConversionChange> changesOf(const QByteArray& input) const override;

@@ -11,18 +11,18 @@ class QIODevice;
 
 namespace lumo {
 
-/// The folder of the newest project schema: the one of the largest number
-/// directly below "resources/xsd" of the application directory, as an absolute
-/// path. A name that is not a number counts as 0. Empty if there is no folder.
+/// The absolute path of the folder with the newest project schema: the folder with
+/// the largest number as its name, directly below "resources/xsd" of the application
+/// directory. A name that is not a number counts as 0. Empty if there is no folder.
 [[nodiscard]] LUMO_CORE_EXPORT QString getCurrentXsdPath();
 
 namespace xml {
 
 /// Validates XML against a schema file.
 ///
-/// What is wrong with a schema or a document, and where, is logged at level
-/// Debug. Neither can reach the network, and a document no other file: schemas
-/// that it names itself are not loaded. One thread at a time; no call throws.
+/// Faults of a schema or a document are logged at level Debug, with their places.
+/// Loading never reaches the network. A document cannot load other files: schemas
+/// that it names itself are ignored. One thread at a time; no call throws.
 class LUMO_CORE_EXPORT XmlValidator
 {
 public:
@@ -34,26 +34,26 @@ public:
     /// Loads a schema from a local file. When that fails, the schema loaded
     /// before stays in use for validateXml.
     [[nodiscard]] bool loadXsd(const QString& xsdFile);
-    /// Likewise.
-    /// \param[out] error  on failure why, with the line where it is known; else untouched
+    /// As loadXsd(xsdFile), and reports why it failed.
+    /// \param[out] error  on failure the reason, with the line if known; else untouched
     [[nodiscard]] bool loadXsd(const QString& xsdFile, QString& error);
 
     /// Whether the latest loadXsd succeeded.
     [[nodiscard]] bool isXsdLoaded() const;
 
-    /// Validates what an open device holds from its position on. Documents that
-    /// xml::domFromString refuses are not valid. False, and nothing is logged,
-    /// if no schema was ever loaded.
+    /// Validates the document that an open device contains from its current position
+    /// to its end. Documents that xml::domFromString refuses are not valid. If no
+    /// schema was ever loaded, returns false without a log record.
     [[nodiscard]] bool validateXml(QIODevice& device);
 
-    /// Likewise for a local file.
+    /// Validates a local file, as validateXml(device) validates a device.
     [[nodiscard]] bool validateXml(const QString& xmlFile);
 
-    /// Likewise.
-    /// \param[out] error  if not valid the first fault, "line L, column C: reason"
-    ///     where a place is known; else untouched
+    /// As validateXml(xmlFile), and reports the first fault.
+    /// \param[out] error  if the file is not valid the first fault, as "line L,
+    ///     column C: reason" if the place is known; else untouched
     [[nodiscard]] bool validateXml(const QString& xmlFile, QString& error);
-    /// Likewise for an open device.
+    /// As validateXml(device), and reports the first fault in the same form.
     [[nodiscard]] bool validateXml(QIODevice& device, QString& error);
 
 private:

@@ -21,25 +21,26 @@ inline constexpr int kCurrentVersion = 3;
 
 } // namespace kpx
 
-/// What one step of a chain did.
+/// The changes that one step of a conversion made.
 struct ConversionStepReport
 {
     QString label; ///< as in ParamConverter::plannedSteps
     std::vector<ConversionChange> changes;
 };
 
-/// Brings a project file or a processing template of an older format version up
-/// to the current one: files up to product version 2.0 by the hand-written step,
-/// then one stylesheet for each format version.
+/// Converts a project file or a processing template of an older format version to
+/// the current one. Files up to product version 2.0 pass KpxConversion20_21 first;
+/// then one stylesheet runs for each format version.
 ///
-/// Needs registerXmlConverters(), and below the application directory the folders
-/// "resources/xsd" and "resources/xsl". One thread at a time.
+/// Needs registerXmlConverters(), and the folders "resources/xsd" and
+/// "resources/xsl" below the application directory. One thread at a time.
 class LUMO_CORE_EXPORT ParamConverter
 {
 public:
-    /// Called before each step with the number of steps done, of all steps and the
-    /// label of the step; and after the last with `done` equal to `total` and no
-    /// label. An exception from it ends the conversion and reaches the caller.
+    /// Called before each step with the number of finished steps, the number of all
+    /// steps, and the step's label. Called once more after the last step, with `done`
+    /// equal to `total` and an empty label. An exception from the listener ends the
+    /// conversion and reaches the caller.
     using StepListener = std::function<void(int done, int total, const QString& label)>;
 
     /// Reads the versions of a file and plans the steps.
@@ -55,57 +56,59 @@ public:
     ParamConverter& operator=(const ParamConverter&) = delete;
     ~ParamConverter();
 
-    /// Whether a step is left to be done.
+    /// Whether a step remains.
     [[nodiscard]] bool needsConversion() const;
-    /// Whether the file is of a newer format version than the target; nothing is
-    /// planned for it then, and the caller decides whether to refuse it.
+    /// Whether the file has a newer format version than the target. No steps are
+    /// planned then; the caller decides whether to refuse the file.
     [[nodiscard]] bool biggerVersion() const;
-    /// Of the product that wrote the file, such as "2.1.43".
+    /// The version of the product that wrote the file, such as "2.1.43".
     [[nodiscard]] const QString& getProjectVersion() const;
-    /// The file's format version; 0 for all files that say none.
+    /// The file's format version; 0 for files without one, as up to product 2.1.
     [[nodiscard]] int kpxVersion() const;
     [[nodiscard]] bool isTemplate() const;
-    /// What is left to be done, first to last, a text for people each. These are
-    /// also the texts that are logged when a step begins.
+    /// The remaining steps in order, each as a text for people. The same texts are
+    /// logged when a step begins.
     [[nodiscard]] QStringList plannedSteps() const;
 
-    /// For project files only: where `convert` puts the backup. "auto": beside
-    /// the file, "site.kpx" of version 2.0 as "site_backup_2.0.kpx"; empty, as at
-    /// first: there is none.
+    /// Sets where `convert` puts the backup of a project file; has no effect on
+    /// templates. "auto" means beside the file: "site.kpx" of version 2.0 becomes
+    /// "site_backup_2.0.kpx". Empty, the default, means no backup.
     void setKpxBackupPath(const QString& path);
-    /// The folder in which "templates_backups20" and "templates_backups21" hold
-    /// the backups of templates, of all converters of the process. To be called
-    /// before threads start. Without it templates have no backup, which `convert`
-    /// says in a warning.
+    /// Sets the folder for backups of templates, for all converters of the process.
+    /// Backups go into its subfolders "templates_backups20" and
+    /// "templates_backups21". Call it before threads start. Without it templates get
+    /// no backup, and `convert` logs a warning.
     static void setTemplatesDataLocation(const QString& dir);
-    /// Where `convert` puts the backup, by the two settings above; empty if nowhere.
+    /// The path where `convert` puts the backup, by the two settings above; empty if
+    /// it makes none.
     [[nodiscard]] QString backupPath() const;
-    /// `convert` makes no backup, whatever the settings, and says nothing of one: for
-    /// applications that make it themselves, or were told to do without.
+    /// Makes `convert` skip the backup, whatever the settings, without a warning. For
+    /// applications that make the backup themselves or whose user declined one.
     void skipBackup();
 
     void setStepListener(StepListener listener);
 
-    /// Copies the file to backupPath(), unless something is there already or the
-    /// backup is to be skipped; runs the steps in memory; and replaces `outputFile`,
-    /// which may be the input file, by the result. Afterwards nothing is left to be
-    /// done. A backup that cannot be made is logged, and the conversion goes on.
-    /// \param[out] error  the reason on failure, else untouched
-    /// \returns false, with `outputFile` untouched, if there was nothing to be
-    ///     done or something failed, which is logged; the call may then be repeated
+    /// Copies the file to backupPath(), runs the steps in memory, and replaces
+    /// `outputFile`, which may be the input file, by the result. After success no step
+    /// remains. The copy is skipped after skipBackup(), and if there is a file at
+    /// backupPath() already. A backup that fails is logged, and the conversion goes
+    /// on.
+    /// \param[out] error  on failure the reason, else untouched
+    /// \returns false, with `outputFile` untouched, if no step remained or a step
+    ///     failed; a failure is logged, and the call may be repeated
     [[nodiscard]] bool convert(const QString& outputFile, QString& error);
-    /// Likewise; the reason is in the log only.
+    /// As convert(outputFile, error), with the reason in the log only.
     [[nodiscard]] bool convert(const QString& outputFile);
 
-    /// The document that `convert` would write, and the report on how it came about.
-    /// No file is written and no backup made, and the steps stay planned.
+    /// Makes the document that `convert` would write, and fills report(). Writes no
+    /// file and no backup; the planned steps remain.
     /// \param[out] result  UTF-8 with XML declaration; untouched on failure
-    /// \param[out] error  the reason on failure, else untouched
+    /// \param[out] error  on failure the reason, else untouched
     [[nodiscard]] bool convertInMemory(QByteArray& result, QString& error);
 
-    /// What the steps of the latest convertInMemory that succeeded did, one entry a
-    /// step. A stylesheet tells what it does to any document: of that, what the
-    /// step's input gives cause for.
+    /// The changes made by the latest successful convertInMemory, one entry per step.
+    /// A stylesheet declares all changes that it can make; the report lists those of
+    /// them that apply to the step's input.
     [[nodiscard]] const std::vector<ConversionStepReport>& report() const;
 
 private:

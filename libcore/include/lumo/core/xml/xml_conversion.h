@@ -14,8 +14,9 @@ class QIODevice;
 
 namespace lumo {
 
-/// One step that turns an XML document of one format version into the next:
-/// made by the factory, told its files, run once. Used by one thread.
+/// One step that converts an XML document of one format version to the next. The
+/// factory makes it, the caller sets its files and runs it once. One thread at a
+/// time.
 class LUMO_CORE_EXPORT IXmlConversion
 {
 public:
@@ -24,9 +25,10 @@ public:
     IXmlConversion& operator=(const IXmlConversion&);
     virtual ~IXmlConversion();
 
-    /// The schema that the input must satisfy, or that belongs to the result.
+    /// Sets a schema; the step decides whether its input must satisfy this schema or
+    /// whether it describes the result.
     virtual void setXsdFile(const QString& xsdFile) = 0;
-    /// The stylesheet that performs the step.
+    /// Sets the stylesheet that performs the step.
     virtual void setXslFile(const QString& xslFile) = 0;
 
     /// Reads the document from an open device, from its position to its end.

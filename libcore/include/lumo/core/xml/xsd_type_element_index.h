@@ -10,11 +10,11 @@
 
 namespace lumo {
 
-/// The elements of six complex types of a project schema: from each element's
-/// name to its position among the names of its type, in the order in which the
-/// schema lists them, from 0. A name listed again takes as its position the
-/// number of names before it. The maps are empty for a type that the schema
-/// does not declare, or declares with other attributes than its name alone.
+/// The elements of six complex types of a project schema. Maps each element's name
+/// to its position in its type, from 0, in the order of the schema. If a type lists
+/// a name twice, the position is the number of different names before the last
+/// occurrence. The map of a type is empty if the schema does not declare the type, or
+/// declares it with attributes other than its name.
 class LUMO_CORE_EXPORT XsdTypeElementIndex
 {
 public:

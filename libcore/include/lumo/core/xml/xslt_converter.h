@@ -5,13 +5,13 @@
 
 namespace lumo {
 
-/// The step that a stylesheet performs.
+/// A conversion step performed by a stylesheet.
 ///
-/// A stylesheet whose root says version="1.0" runs in libxslt, any other as
-/// XSLT 2.0 in Qt's engine. Neither reaches the network or any file but the
-/// stylesheet itself: document() fails, and xsl:import and xsl:include fail in
-/// libxslt and do nothing in Qt's engine, which does not know xsl:message
-/// either. Documents that xml::checkXml refuses are refused here too.
+/// A stylesheet whose root has version="1.0" runs in libxslt, any other as
+/// XSLT 2.0 in Qt's engine. Neither engine can reach the network or any file except
+/// the stylesheet itself: document() fails. xsl:import and xsl:include fail in
+/// libxslt and do nothing in Qt's engine. xsl:message does nothing in Qt's engine.
+/// Documents that xml::checkXml refuses are refused here too.
 class LUMO_CORE_EXPORT XsltConverter : public IXmlConversion
 {
 public:
@@ -26,10 +26,10 @@ public:
     ///     logged as a warning, too
     [[nodiscard]] QByteArray convert(QIODevice* input) override;
 
-    /// Lists the changes that the stylesheet declares and that concern the input. It
-    /// declares them below its root, by elements "change:renamed", "change:moved",
-    /// "change:rewritten" and "change:dropped" with the attributes `what` and `into`
-    /// of a ConversionChange.
+    /// Lists the changes that the stylesheet declares and that apply to the input. A
+    /// stylesheet declares its changes below its root, by elements "change:renamed",
+    /// "change:moved", "change:rewritten" and "change:dropped" with the attributes
+    /// `what` and `into` of a ConversionChange.
     /// \param input  must have passed xml::checkXml
     /// \returns none if the stylesheet cannot be read
     [[nodiscard]] std::vector<ConversionChange> changesOf(const QByteArray& input) const override;
