@@ -10,7 +10,7 @@ namespace lumo {
 class PowerSaveManager : public ResourceManager
 {
 public:
-    /// The one of the process.
+    /// The one manager of the process.
     [[nodiscard]] static PowerSaveManager& instance();
 
     ~PowerSaveManager() override;

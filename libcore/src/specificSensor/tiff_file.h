@@ -13,7 +13,7 @@ namespace lumo {
 /// An entry of a TIFF directory.
 struct TiffEntry
 {
-    quint32 at = 0; ///< byte of the file where the entry stands
+    quint32 at = 0; ///< offset of the entry in the file, in bytes
     quint16 type = 0;
     quint32 count = 0;
 };
@@ -32,7 +32,7 @@ struct TiffRange
 {
     quint64 begin = 0;
     quint64 end = 0;
-    bool exclusive = false; ///< what may be written, so that nothing else may lie there
+    bool exclusive = false; ///< no other range may overlap this one
 };
 
 /// Checked access to the structure of a TIFF file in memory, in either byte order
@@ -47,8 +47,10 @@ public:
     /// To be called first. \param[out] directory  offset of the first directory
     [[nodiscard]] bool readHeader(quint32& directory, QString& error);
 
-    /// All entries lie within the file, with their values, and no tag comes twice.
-    /// \param[out] error  why there is no such directory at `at`
+    /// Reads a directory. Checks that all entries lie within the file, with their
+    /// values, and that no tag occurs twice.
+    /// \param at  the directory's offset in the file
+    /// \param[out] error  on failure why, else untouched
     [[nodiscard]] bool readDirectory(quint32 at, TiffDirectory& directory, QString& error);
 
     /// The numbers of an entry of directory type 3, 4 (uint16, uint32) or 13
@@ -62,8 +64,8 @@ public:
     /// that the entry's type can hold.
     void setNumbers(const TiffEntry& entry, const std::vector<quint32>& values);
 
-    /// The header, the directories read so far, and the values outside of them;
-    /// exclusive are all but values that setNumbers cannot replace.
+    /// The header, the directories read so far, and the values outside of them. All are
+    /// exclusive except values that setNumbers cannot replace.
     [[nodiscard]] const std::vector<TiffRange>& used() const { return m_used; }
 
     [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }

@@ -8,19 +8,18 @@
 
 namespace lumo {
 
-/// Some of a picture's rows, counted from 0.
+/// A range of a picture's rows, counted from 0.
 struct RowRange
 {
     quint32 first = 0;
     quint32 count = 0;
 };
 
-/// Keeps only some rows of the picture in a TIFF file of uncompressed strips and
-/// one directory chain of one (TIFF 6.0, sections 2 and 7). The file keeps its
-/// length and all its offsets: row i takes the place of row i of before, and the
-/// places that are left over become zero. An EXIF image height that was the
-/// picture's becomes the new one.
-/// \param height  rows that the picture must have; `rows` lies within
+/// Cuts the picture of a TIFF file to a range of its rows. The file must have one
+/// directory and uncompressed strips (TIFF 6.0, sections 2 and 7). Its length and all
+/// offsets stay: the first kept row moves to the place of row 0, and so on; the free
+/// rest becomes zero. An EXIF image height equal to the picture's becomes the new one.
+/// \param height  number of rows that the picture must have; `rows` lies within
 /// \param[in,out] tiff  the file; untouched on failure
 /// \param[out] error  why the file is refused, in one line
 [[nodiscard]] LUMO_TEST_EXPORT bool cutTiffRows(

@@ -12,8 +12,8 @@
 
 namespace lumo::program {
 
-/// A number in decimal; both ends belong to the range. Replaces the text by the number
-/// that it stands for, since CLI11 itself takes 010 for octal.
+/// Accepts a decimal number from `lowest` to `highest`, both included. Replaces the text
+/// of a whole number by its normal form, because CLI11 itself reads 010 as octal.
 template <typename Number>
 CLI::Validator between(Number lowest, Number highest, const std::string& description)
 {
@@ -46,7 +46,8 @@ inline CLI::Validator atLeast(int lowest)
     return between(lowest, std::numeric_limits<int>::max(), "at least " + std::to_string(lowest));
 }
 
-/// An empty text is a shell variable that was not set: never "not asked for".
+/// Refuses an empty text. It usually comes from a shell variable that was not set, and
+/// must not count as an option that was not given.
 inline CLI::Validator notEmpty()
 {
     return {

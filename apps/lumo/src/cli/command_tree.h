@@ -13,10 +13,10 @@ namespace lumo::program {
 [[nodiscard]] std::vector<const CLI::Option*> positionalsOf(const CLI::App& command);
 [[nodiscard]] std::vector<const CLI::Option*> optionsOf(const CLI::App& command);
 
-/// Its names with their dashes, the short ones first.
+/// The option's names with their dashes, the short ones first.
 [[nodiscard]] std::vector<std::string> namesOf(const CLI::Option& option);
 
-/// What may stand for a value, read from its name ("auto|none|FILE").
+/// The words and paths that a value accepts, read from its name ("auto|none|FILE").
 struct ValueChoice
 {
     enum class Paths { None, Files, Folders };

@@ -7,8 +7,8 @@
 
 namespace lumo::program {
 
-/// How help reads: lines of at most 80 columns; the range and the default of a
-/// value stand behind its description. The manual page has its texts from here, too.
+/// Formats help: lines of at most 80 columns; the range and the default of a value
+/// follow its description. The manual page uses the same texts.
 class HelpFormatter : public CLI::Formatter
 {
 public:
@@ -29,8 +29,8 @@ public:
     [[nodiscard]] std::string make_footer(const CLI::App* command) const override;
 };
 
-/// What the value of an option or a positional argument is called: "FILE", "N",
-/// "auto|none|FILE"; empty of flags.
+/// The name of an option's or positional argument's value: "FILE", "N",
+/// "auto|none|FILE"; empty for flags.
 [[nodiscard]] std::string valueName(const CLI::Option& option);
 
 } // namespace lumo::program

@@ -7,7 +7,7 @@
 
 namespace lumo::program {
 
-/// What `lumo align` is told on the command line.
+/// The arguments of `lumo align`.
 struct AlignRequest
 {
     QString pointFile;

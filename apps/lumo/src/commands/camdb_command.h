@@ -14,9 +14,9 @@ namespace lumo::program::camdb {
 [[nodiscard]] ExitCode show(
     const QString& name, const QString& serialNumber, const CommonOptions& options);
 
-/// Makes the camera of an image's metadata the user's. Of a camera that is known
-/// already only the image's bands are added.
-/// \param overwrite  it replaces the camera that is known
+/// Makes a camera from an image's metadata and saves it in the user's database. If the
+/// camera is known already, only adds the image's bands to it.
+/// \param overwrite  replace a known camera instead
 [[nodiscard]] ExitCode add(const QString& image, bool overwrite, const CommonOptions& options);
 
 /// Removes a camera, rig or mapping of the user's.
@@ -36,11 +36,11 @@ namespace lumo::program::camdb {
 /// Whether a file is a database of the current version.
 [[nodiscard]] ExitCode validate(const QString& file, const CommonOptions& options);
 
-/// Brings a database of an older version to the current one.
+/// Converts a database of an older version to the current one.
 [[nodiscard]] ExitCode convert(
     const QString& input, const QString& output, const CommonOptions& options);
 
-/// Makes the internal file anew from the shipped text database.
+/// Rewrites the internal file from the shipped text database.
 [[nodiscard]] ExitCode rebuild(const CommonOptions& options);
 
 [[nodiscard]] ExitCode selftest(const CommonOptions& options);

@@ -18,11 +18,11 @@ struct ConvertRequest
     bool dryRun = false;
 };
 
-/// Says what versions files are of, and what a conversion would do.
+/// Shows the versions of files and the steps of a conversion.
 [[nodiscard]] ExitCode info(const QStringList& paths, const CommonOptions& options);
 /// Brings files to the target version.
 [[nodiscard]] ExitCode convert(const ConvertRequest& request, const CommonOptions& options);
-/// Says whether files satisfy the schema of their own format version.
+/// Checks files against the schema of their own format version.
 [[nodiscard]] ExitCode validate(const QStringList& paths, const CommonOptions& options);
 
 } // namespace lumo::program::project

@@ -10,8 +10,9 @@
 
 namespace lumo::program::project {
 
-/// Runs `action` for each project and template that the paths stand for, until
-/// Ctrl-C. It returns what became of the file; an exception's text is said.
+/// Runs `action` for each project and template in the paths (files and folders), until
+/// Ctrl-C. `action` returns the file's exit code; the text of an exception from it is
+/// printed as the file's failure.
 [[nodiscard]] ExitCode forEachFile(
     const QStringList& paths, const CommonOptions& options,
     const std::function<ExitCode(const QString& file)>& action);

@@ -7,13 +7,14 @@
 
 namespace lumo::program {
 
-/// `lumo rig PATH...`: groups images into captures and says which rig took each.
+/// `lumo rig PATH...`: groups images into captures and shows which rig took each.
 /// \param matrix  show captures against cameras, with gaps
 [[nodiscard]] ExitCode identifyRigs(
     const QStringList& paths, bool matrix, const CommonOptions& options);
 
-/// `lumo rig --save NAME PATH...`: makes the rig of the images' metadata the user's.
-/// \param overwrite  it replaces a rig of this name
+/// `lumo rig --save NAME PATH...`: makes a rig from the images' metadata and saves it in
+/// the user's database.
+/// \param overwrite  replace a rig of this name
 [[nodiscard]] ExitCode saveRig(
     const QStringList& paths, const QString& name, bool overwrite, const CommonOptions& options);
 

@@ -10,11 +10,13 @@ namespace lumo::program {
 [[nodiscard]] CameraModelDb openDatabase(const CommonOptions& options);
 
 /// Fills the store with the shipped database and the user's own.
-/// \returns false, and said on the standard error stream, if that failed; what
-///     could be loaded is loaded
+/// \returns false, with a message on the standard error stream, if a part failed to
+///     load; all other parts are loaded
 [[nodiscard]] bool loadDatabase(CameraModelDb& database);
 
-/// The same for a change. Where the user's own did not load a change would replace it.
+/// As loadDatabase(database), before a change of the user's database. Also fails if the
+/// user's database does not allow editing, as after its file did not load: saving would
+/// replace that file.
 [[nodiscard]] bool loadForEditing(CameraModelDb& database);
 
 } // namespace lumo::program

@@ -13,10 +13,10 @@ using PathFailure = std::function<void(const QString& path, const QString& reaso
 /// Whether a folder's file of this name is asked for.
 using NameFilter = std::function<bool(const QString& name)>;
 
-/// The files that the arguments stand for: a file as it is, whatever its name; a
-/// folder with all files below it that are `wanted`, in the order of their paths.
-/// Links to folders are not followed, so there are no loops. Of a folder
-/// without any such file it is said; no failure.
+/// Lists the files of the arguments. A file is listed whatever its name. A folder
+/// gives all files below it that are `wanted`, sorted by path. Links to folders are
+/// not followed, which avoids loops. A folder without wanted files causes a remark on
+/// the standard error stream, not a failure.
 [[nodiscard]] QStringList listFiles(
     const QStringList& arguments, const NameFilter& wanted, const PathFailure& failed);
 

@@ -7,7 +7,7 @@ class QJsonObject;
 
 namespace lumo::program {
 
-/// What all commands are told on the command line.
+/// The options that all commands share.
 struct CommonOptions
 {
     bool json = false;
@@ -21,19 +21,20 @@ enum ExitCode : int {
     WrongUsage = 2,
 };
 
-/// "lumo: FILE: reason" on the standard error stream.
+/// Prints "lumo: FILE: reason" on the standard error stream.
 void sayFailure(const QString& file, const QString& reason);
 
-/// "lumo: FILE: note: remark": what the user should know though nothing failed.
+/// Prints "lumo: FILE: note: remark" on the standard error stream: something the user
+/// should know although nothing failed.
 void sayRemark(const QString& file, const QString& remark);
 
-/// What is wrong with the command line, and where help is.
+/// Prints what is wrong with the command line, and where to find help.
 void sayUsage(const QString& reason);
 
-/// Says a failure and is its exit code.
+/// Prints the failure; returns SomethingFailed.
 [[nodiscard]] ExitCode failed(const QString& what, const QString& reason);
 
-/// The same of a file; with --json there is a record of it, too.
+/// Prints the failure of a file, with --json also as a record; returns SomethingFailed.
 [[nodiscard]] ExitCode failed(
     const QString& file, const QString& reason, const CommonOptions& options);
 
@@ -42,8 +43,8 @@ void printJsonLine(const QJsonObject& object);
 
 void printText(const QString& text);
 
-/// Whether all that was printed has reached the standard output stream, at the end.
-/// What did not is said.
+/// Flushes the standard output stream at the end of the program. Returns false, and
+/// prints a failure, if output was lost.
 [[nodiscard]] bool finishOutput();
 
 } // namespace lumo::program

@@ -8,8 +8,8 @@
 
 namespace lumo {
 
-/// An image's file name without folder and extension, in two: what the images of
-/// one capture share, and what tells its cameras apart.
+/// An image's file name without folder and extension, in two parts: the stem that the
+/// images of one capture share, and the end that identifies the camera.
 struct ImageName
 {
     QString stem; ///< up to the last "_" or "-"; all of it if there is none

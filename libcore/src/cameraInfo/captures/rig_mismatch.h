@@ -15,10 +15,10 @@ namespace lumo {
 /// How far a rig is from fitting images that it does not fit.
 struct RigMismatch
 {
-    /// Cameras of the rig that have an image of their own; of a rig told apart by
-    /// order, images that are of some camera of it.
+    /// The number of the rig's cameras that have an image of their own. For a rig whose
+    /// cameras are distinguished by order: the number of images of any of its cameras.
     std::size_t fitting = 0;
-    std::size_t missing = 0; ///< enabled cameras of the rig without one
+    std::size_t missing = 0; ///< number of enabled cameras of the rig without an image
     /// The rig camera that each image would be from, or npos.
     std::vector<std::size_t> assignment;
     QString text; ///< "<rig>: <what does not fit>; ...", at least one thing
@@ -30,7 +30,7 @@ struct RigMismatch
 [[nodiscard]] RigMismatch explainMismatch(
     const RigModel& rig, const rig_filter_t& filter, const QStringList& fileNames);
 
-/// What a rig camera is called: its name, else its bands, else its number.
+/// The text for a rig camera in messages: its name, else its bands, else its number.
 [[nodiscard]] QString rigCameraText(const RigModel& rig, std::size_t camera);
 
 } // namespace lumo

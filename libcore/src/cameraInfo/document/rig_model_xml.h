@@ -10,15 +10,15 @@ class QXmlStreamWriter;
 
 namespace lumo {
 
-/// Writes an element "rig". What all cameras share (EXIF string, serial number)
-/// is written once. Detection strings are left out of a rig whose cameras are not
-/// told apart by them. Which cameras are disabled is not stored, nor the source.
+/// Writes an element "rig". An EXIF string or serial number that all cameras share is
+/// written once. Detection strings are written only for rigs whose cameras are
+/// distinguished by them. The source, and which cameras are disabled, are not stored.
 void writeRig(QXmlStreamWriter& writer, const RigModel& rig);
 
-/// The rig of an element that writeRig, or an older program, wrote. It need not
-/// be valid. A camera without an EXIF string has the rig's, or else
+/// Reads a rig from an element that writeRig, or an older program, wrote. The rig need
+/// not be valid. A camera without an EXIF string gets the rig's, or else
 /// rig_camera_filter_t::unknownExifString().
-/// \param version  of the document around it
+/// \param version  format version of the enclosing document
 [[nodiscard]] RigModel readRig(const QDomElement& element, std::size_t version);
 
 } // namespace lumo

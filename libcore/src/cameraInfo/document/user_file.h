@@ -8,9 +8,9 @@
 
 namespace lumo::cameradb {
 
-/// Writes tables as a database document; its folder is made. Failures are logged.
-/// \param lock  hold a FileLock while the file is written
-/// \param[out] hash  on success that of the text, else untouched
+/// Writes tables as a database document, and creates its folder. Logs failures.
+/// \param lock  keep a FileLock while the file is written
+/// \param[out] hash  on success the hash of the written text, else untouched
 /// \param[out] error  on failure "FILE: reason", else untouched
 [[nodiscard]] bool writeTables(
     const CameraDbSettings& settings, const CameraDBData& tables, const QString& file, bool lock,

@@ -5,11 +5,11 @@
 
 namespace lumo::cameradb {
 
-/// Finds or makes the form that a camera database document has in the current
-/// format version.
-/// \param target  where it is made if `file` is of an older version
-/// \param[out] document  on success `file` or `target`, else untouched
-/// \param[out] error  on failure why, with the line where it is known; else untouched
+/// Converts a camera database document to the current format version if it is older.
+/// \param target  path of the converted document
+/// \param[out] document  on success the document of the current version: `file`, or
+///     `target` after a conversion; else untouched
+/// \param[out] error  on failure why, with the line if known; else untouched
 [[nodiscard]] bool currentForm(
     const QString& file, const QString& target, QString& document, QString& error);
 

@@ -26,8 +26,8 @@ struct KnownMode
 };
 
 /// The modes of all cameras of a database, by the key of their identifiers (model,
-/// perhaps with lens, ignoring case). A user's model hides the internal one of its
-/// name. A copy: later changes of the database do not show.
+/// perhaps with lens, ignoring case). A user's model hides the internal one of the same
+/// name. The modes are copied: later changes of the database have no effect.
 class KnownModes
 {
 public:

@@ -26,9 +26,10 @@ struct SizeChange
     bool keepsASide = false; ///< of a crop: it is as wide or as high as before
 };
 
-/// Judges by the sizes alone. Proportions that agree within 1 % or within a pixel
-/// mean scaling: a crop has them by chance only. Of pictures narrower than 50
-/// pixels proportions say nothing, and what fits scaling is Unknown.
+/// Judges by the sizes alone. Proportions that agree within 1 % or within a pixel mean
+/// scaling: a crop has equal proportions only by chance. In pictures narrower than 50
+/// pixels one pixel is more than 2 %, so proportions prove nothing; a change that fits
+/// scaling is then Unknown.
 /// \param from  \param to  neither with a side of 0
 [[nodiscard]] SizeChange compareSizes(PictureSize from, PictureSize to);
 

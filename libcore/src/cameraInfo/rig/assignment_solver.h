@@ -8,7 +8,7 @@
 
 namespace lumo {
 
-/// What each row would gain by each column.
+/// The gain of each row for each column.
 struct AssignmentProblem
 {
     static constexpr std::int64_t kForbidden = -1;
@@ -23,9 +23,9 @@ struct AssignmentProblem
     }
 };
 
-/// Gives each row a column of its own so that the sum of the gains is greatest.
-/// Of several such assignments, the one that gives the last row the lowest
-/// column, then the row before it, and so on. Takes O(size^3) time.
+/// Assigns each row a different column so that the sum of the gains is greatest. Of
+/// several such assignments, takes the one with the lowest column for the last row,
+/// then for the row before it, and so on. Takes O(size^3) time.
 /// \returns the column of each row; nothing if every complete assignment has a
 ///     forbidden pair
 [[nodiscard]] std::optional<std::vector<std::size_t>> bestAssignment(

@@ -44,7 +44,7 @@ struct Signatures
 /// Whether two cameras have the same detection string.
 [[nodiscard]] bool repeatedDetectionString(const std::vector<Signature>& cameras);
 
-/// What giving a rig's camera to a filter's is worth.
+/// The gain of assigning one camera of a rig to one of a filter.
 struct PairScore
 {
     static constexpr int kImpossible = -1;

@@ -7,8 +7,8 @@
 
 namespace lumo {
 
-/// The rigs of a store that images may be of: the user's, then the internal ones
-/// but for those that a user's of the same name overrides. The store owns them.
+/// The rigs of a store that apply to images: the user's, then the internal ones that no
+/// user's rig of the same name overrides. The store owns the rigs.
 [[nodiscard]] std::vector<RigDBIterator::Item> rigsInForce(const CameraModelDb& store);
 
 } // namespace lumo

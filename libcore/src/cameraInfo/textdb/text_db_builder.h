@@ -13,15 +13,15 @@
 
 namespace lumo::cameradb::textdb {
 
-/// Puts the rows of the sections together to the tables of a database.
+/// Builds the tables of a database from the rows of the sections.
 class TablesBuilder
 {
 public:
-    /// Where the rows stand that are added next.
+    /// Sets the place in the text of the next row to be added, for faults.
     void setPlace(const csv::Place& place) { m_place = place; }
 
-    // Each takes a row. The result is the reason why it cannot be taken; empty
-    // if it was.
+    // Each adds a row. The result is the reason why the row cannot be added; empty on
+    // success.
     [[nodiscard]] QString add(CameraModelFromDB& row);
     [[nodiscard]] QString add(const BandRow& row);
     [[nodiscard]] QString add(const VignettingRow& row);
@@ -53,7 +53,7 @@ private:
         std::vector<RigCameraRow> cameras;
     };
 
-    // The result is the reason why there is none; empty if there is one.
+    // The result is the reason why there is no such record; empty if there is one.
     [[nodiscard]] QString findCamera(
         const QString& name, const QString& serialNumber, Camera*& camera);
     [[nodiscard]] QString findRig(const QString& name, Rig*& rig);

@@ -60,7 +60,7 @@ template <typename Row, typename Access>
     return result;
 }
 
-/// The columns of a band, after those that say whose it is.
+/// Appends the columns of a band, after the columns that identify its owner.
 template <typename Row>
 void appendBandColumns(std::vector<Column<Row>>& columns)
 {

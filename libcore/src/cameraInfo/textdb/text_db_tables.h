@@ -60,7 +60,7 @@ struct MappingRow
     QString camera;
 };
 
-/// The cameras of a rig stand in the order of their numbers.
+/// One camera of a rig. Rows of one rig are in the order of the camera numbers.
 struct RigCameraRow
 {
     QString rig;
@@ -84,7 +84,7 @@ struct RigBandRow
 [[nodiscard]] const std::vector<Column<RigCameraRow>>& rigCameraColumns();
 [[nodiscard]] const std::vector<Column<RigBandRow>>& rigBandColumns();
 
-/// What the first line says before the version of the form.
+/// The first cell of the first line; the version of the form follows it.
 inline const QLatin1String kTitle("lumo camera database");
 inline constexpr int kFormVersion = 1;
 /// The last line.

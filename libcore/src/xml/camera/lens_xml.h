@@ -5,11 +5,12 @@
 
 namespace lumo::io {
 
-/// The element "lensType" and those of that lens; nothing for an unknown type.
+/// Writes the element "lensType" and the elements of that lens. Writes nothing for an
+/// unknown type.
 void writeLens(QXmlStreamWriter& writer, const CameraParams& params, XmlOutputType type);
 
-/// Sets lens type and lens. A type that is missing or unknown (with a warning) is
-/// a perspective lens, with the elements of one if they are there.
+/// Reads lens type and lens. A missing type, or an unknown one (with a warning), counts
+/// as a perspective lens.
 void readLens(const QDomElement& element, CameraParams& params);
 
 } // namespace lumo::io

@@ -3,17 +3,17 @@
 
 #include <QString>
 
-/// Names of cameras and rigs that are others since camera databases of version
-/// 17 and projects of 2.1.
+/// The current names of elements and attributes that were renamed in camera databases
+/// of version 17 and projects of 2.1. Each function returns other names unchanged.
 namespace lumo::xml {
 
-/// An element that stands in a camera, be it of a rig or not.
+/// The current name of an element in a camera, inside or outside a rig.
 [[nodiscard]] QString renamedInCamera(const QString& element);
 
-/// An element that stands in a rig.
+/// The current name of an element in a rig.
 [[nodiscard]] QString renamedInRig(const QString& element);
 
-/// An attribute of the element "camera".
+/// The current name of an attribute of the element "camera".
 [[nodiscard]] QString renamedOfCamera(const QString& attribute);
 
 } // namespace lumo::xml

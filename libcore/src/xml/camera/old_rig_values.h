@@ -5,8 +5,8 @@
 
 #include <cstddef>
 
-/// Values of rigs in old camera databases that stand for something else than they
-/// say. `version` is that of the document around them.
+/// Values of rigs whose meaning differs in old camera databases, translated to the
+/// current meaning. `version` is the format version of the enclosing document.
 namespace lumo::xml {
 
 /// The EXIF string that a rig has for all of its cameras.

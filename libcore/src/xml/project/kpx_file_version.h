@@ -6,24 +6,24 @@
 
 namespace lumo::kpx {
 
-/// What a project file or template says of its age.
+/// The versions recorded in a project file or template.
 struct FileVersion
 {
-    QString project; ///< of the product that wrote it
-    int format = 0;  ///< 0 where it says none, as up to 2.1
+    QString project; ///< version of the product that wrote the file
+    int format = 0;  ///< format version; 0 for files without one, as up to product 2.1
     bool isTemplate = false;
 };
 
-/// What a project up to 2.0 says of the program that wrote it.
+/// The program that wrote a project up to 2.0, as recorded in the project.
 struct Origin
 {
     QString product = QStringLiteral("lumo");
     QString version = QStringLiteral("2.0");
 };
 
-/// The values of the first elements `id` and `projectVersion` below the root, or what
-/// holds where they are missing. Versions of "gaiprain" were counted otherwise: all
-/// its projects are of 2.0.
+/// The values of the first elements `id` and `projectVersion` below the root; the
+/// defaults of Origin for missing ones. Projects of the product "gaiprain" always get
+/// version 2.0, because that product had its own version numbers.
 /// \param bytes  must have passed xml::checkXml
 [[nodiscard]] Origin originOfOldProject(const QByteArray& bytes);
 

@@ -11,7 +11,8 @@
 
 namespace lumo::kpx {
 
-/// Collects what a conversion does; the same done again is counted only.
+/// Collects the changes of a conversion. A repeated change increases the count of its
+/// entry.
 class Changes
 {
 public:
@@ -20,7 +21,7 @@ public:
     void rewritten(const QString& what, const QString& into, int line);
     void dropped(const QString& what, const QString& reason, int line);
 
-    /// By line.
+    /// The changes, sorted by line.
     [[nodiscard]] std::vector<ConversionChange> list() const;
 
 private:

@@ -12,9 +12,9 @@
 
 namespace lumo::kpx {
 
-/// The content of an old project or template in the form of 2.1, without its
-/// images: those are converted one by one while the result is written, since a
-/// project may have a hundred thousand.
+/// The content of an old project or template in the form of 2.1, without its images.
+/// Images are converted one by one while the result is written, because a project may
+/// have a hundred thousand of them.
 class OldDocument
 {
 public:
@@ -66,11 +66,11 @@ private:
     Mode m_mode;
     XsdTypeElementIndex m_index;
     Origin m_origin;
-    std::set<QString> m_originTold;      ///< the elements that say it, as they are met
+    std::set<QString> m_originTold;      ///< the elements of the origin met so far
     std::vector<Attribute> m_namespaces; ///< declarations of prefixes by the root
     Changes m_changes;
     std::map<QString, Handler> m_handlers; ///< by the name of an element below the root
-    Element m_current;                     ///< what a handler is to handle
+    Element m_current;                     ///< the element for the handler
 
     OptionSections m_options;
     std::map<QString, Element> m_information; ///< texts about a template

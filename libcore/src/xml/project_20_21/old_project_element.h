@@ -22,8 +22,8 @@ struct Attribute
     QString value;
 };
 
-/// An element with all that is in it: a small part of a document, so that a whole
-/// one need not be held. Names are not split at colons.
+/// An element with its content. The converter reads a document element by element, so
+/// that memory never contains the whole document. Names are not split at colons.
 struct Element
 {
     QString name;
@@ -34,34 +34,35 @@ struct Element
 
     /// Null if there is no such attribute.
     [[nodiscard]] const QString* attribute(const QString& attributeName) const;
-    /// The attribute "value", in which simple elements mostly have what they say,
-    /// or else the text.
+    /// The element's value: the attribute "value", which most simple elements use, or
+    /// else the text.
     [[nodiscard]] QString value() const;
     void setAttribute(const QString& attributeName, const QString& value);
-    /// Takes an attribute away; nothing if there is no such attribute.
+    /// Removes an attribute and returns its value; nothing if there is none.
     [[nodiscard]] std::optional<QString> takeAttribute(const QString& attributeName);
 };
 
 [[nodiscard]] int lineOf(const QXmlStreamReader& reader);
 
-/// Takes the element that starts at the reader's position. White space between
-/// elements is left out; comments, processing instructions, and text beside
-/// elements are too, and are told to `changes`.
-/// \throws std::runtime_error if one of the tags in it is too old to be converted,
-///     or if it does not end
+/// Reads the element that starts at the reader's position. Leaves out white space
+/// between elements. Also leaves out comments, processing instructions and text beside
+/// elements, and reports these to `changes`.
+/// \throws std::runtime_error if a tag in the element is too old to be converted, or
+///     if the element does not end
 [[nodiscard]] Element readElement(QXmlStreamReader& reader, Changes& changes);
 
 /// The root's start tag, without what is in the root.
 /// \param bytes  must have passed xml::checkXml
 [[nodiscard]] Element rootOf(const QByteArray& bytes);
 
-/// Tells of the comment or processing instruction at the reader's position.
+/// Reports the comment or processing instruction at the reader's position as dropped.
 void dropComment(const QXmlStreamReader& reader, Changes& changes);
 
 /// Calls `each` with the reader at the start of every element directly below the
-/// root; `each` has to read on to the end of it, and says whether to go on.
-/// \param changes  told of comments and texts outside of these elements; may be null
-/// \throws std::runtime_error what `each` throws, or if the document is no XML
+/// root. `each` must read to the end of the element, and returns whether to continue.
+/// \param changes  receives comments and texts outside of these elements; may be null
+/// \throws std::runtime_error if the document is not XML; passes on exceptions of
+///     `each`
 void walkElements(
     const QByteArray& bytes, Changes* changes, const std::function<bool(QXmlStreamReader&)>& each);
 

@@ -16,32 +16,32 @@ using Positions = XsdTypeElementIndex::Positions;
 
 [[noreturn]] void refuseComplex(const QString& tag);
 
-/// Brings the children of an element into the order of `positions`. Drops what is
-/// not listed there, and, except for the names in `repeatable`, what is there for
-/// the second time.
+/// Sorts the children of an element into the order of `positions`. Drops children
+/// that are not listed there. Drops repeated children, except for names in
+/// `repeatable`.
 /// \throws std::runtime_error if a child to be dropped has children itself
 void arrange(
     Element& parent, const Positions& positions, const QStringList& repeatable, Changes& changes);
 
-/// If there is an attribute `before`, it is `after` from now on. If there are both, the
-/// first holds and the other is dropped.
-/// \param path  of the element, by which the change is told
+/// Renames an attribute from `before` to `after`. If the element has both, keeps the
+/// one that comes first and drops the other.
+/// \param path  the element's path, for the report of changes
 void renameAttribute(
     Element& element, const QString& path, const QString& before, const QString& after,
     Changes& changes);
 
-/// What the first child `child` says, an attribute says from now on; unless it does
-/// already, then the child is dropped like all others of that name. A child that says
-/// nothing or has children is left alone.
-/// \param path  of the element, by which the change is told
+/// Replaces the first child `child` by an attribute with the child's value. If the
+/// attribute exists already, drops the child. Drops all further children of that name.
+/// Children without value, or with children of their own, stay.
+/// \param path  the element's path, for the report of changes
 void attributeFromChild(
     Element& element, const QString& path, const QString& child, const QString& attribute,
     Changes& changes);
 
-/// Takes all attributes away. Those other than `used` are told as dropped.
+/// Removes all attributes, and reports all but `used` as dropped.
 void clearAttributes(Element& element, const QString& path, const QString& used, Changes& changes);
 
-/// Gives the attributes of an element "camera", wherever it stands, their current names.
+/// Gives the attributes of an element "camera", of whatever parent, their current names.
 void renameAttributesOfCamera(Element& camera, const QString& path, Changes& changes);
 
 /// \param positions  of the children, from the schema

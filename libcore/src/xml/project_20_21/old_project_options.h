@@ -11,20 +11,20 @@ namespace lumo::kpx {
 
 class Changes;
 
-/// The options of a project or template, each in the section whose type in the
-/// schema lists it; in the first of them if several do.
+/// The options of a project or template, each in a section. The section is the first
+/// one whose type in the schema lists the option.
 class OptionSections
 {
 public:
     explicit OptionSections(const XsdTypeElementIndex& index);
 
-    /// Gives an element of the old document its current name and section. The
-    /// first of several for one option holds; others, and those that no section
-    /// lists, are dropped.
+    /// Gives an element of the old document its current name and section. Of several
+    /// elements for one option the first is used; the others are dropped. Elements
+    /// that no section lists are dropped, too.
     /// \returns whether it was placed
     bool place(Element element, Changes& changes);
 
-    /// Likewise for one that has its current name already.
+    /// As place(element, changes), for an element that has its current name already.
     /// \param before  its name in the old document
     bool placeRenamed(const QString& before, Element element, Changes& changes);
 

@@ -11,9 +11,9 @@ struct OptionRename
     const char* after;  ///< from 2.1 on
 };
 
-/// The options that have another name from 2.1 on; an option of 2.1 may have had
-/// several names, over the years or by mistake. Applied once: what one row gives
-/// is not looked up again.
+/// The options that have another name from 2.1 on. An option of 2.1 may have had
+/// several names, over the years or by mistake. Look an option up once only: the new
+/// name of one row is the old name of another ("indexRangeResolution").
 inline constexpr std::array<OptionRename, 90> kOptionRenames{{
     {"thresHom", "threshHom"},
     {"relationOnMatch", "geometricallyVerifiedMatching"},

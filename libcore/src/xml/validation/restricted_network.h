@@ -5,8 +5,8 @@
 
 namespace lumo::xml {
 
-/// Stands between Qt's XML engines and all they would load on their own:
-/// nothing at all, or local files only.
+/// Restricts what Qt's XML engines may load on their own: nothing at all, or local
+/// files only.
 class RestrictedNetwork : public QNetworkAccessManager
 {
 public:

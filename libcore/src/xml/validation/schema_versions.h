@@ -7,11 +7,12 @@
 
 namespace lumo::xml {
 
-/// The folder with a folder of schemas for each format version, below the application
-/// directory. It need not be there.
+/// The path, below the application directory, of the folder with one folder of schemas
+/// for each format version. The folder may be missing.
 [[nodiscard]] QString schemasFolder();
 
-/// The numbers that the folders in it have for names, smallest first; 0 for other names.
+/// The format versions with a folder in schemasFolder(), smallest first. A name that is
+/// not a number counts as 0.
 [[nodiscard]] std::vector<int> schemaVersions();
 
 } // namespace lumo::xml

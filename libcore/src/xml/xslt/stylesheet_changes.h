@@ -9,10 +9,11 @@
 
 namespace lumo::xml {
 
-/// What a stylesheet does to this document, as it tells itself: by elements of the
-/// namespace prefix "change" below its root, "renamed", "moved", "rewritten" or
-/// "dropped", with the attributes `what` and `into` of a ConversionChange. Only
-/// those whose `what` is in the document are returned, and one without `what` never.
+/// Lists the changes that a stylesheet makes to this document. A stylesheet declares
+/// its changes below its root, by elements "change:renamed", "change:moved",
+/// "change:rewritten" and "change:dropped" with the attributes `what` and `into` of a
+/// ConversionChange. The result has the declarations whose `what` occurs in the
+/// document; declarations without `what` are ignored.
 /// \param document  must have passed xml::checkXml
 [[nodiscard]] std::vector<ConversionChange> stylesheetChanges(
     const QByteArray& stylesheet, const QByteArray& document);
