@@ -205,7 +205,7 @@ TEST_F(CameraDbFiles, AnOlderUserFileThatCannotBeCarriedForwardWaitsForTheNextSt
         {"18/ucmdb.xml", QByteArray(current).replace(">19</version>", ">20</version>"), "",
          "version"},
         {"18/ucmdb.xml", "<cameraModelDB><version>19</version></cameraModelDB>", "",
-         "once converted: the camera database has no element 'cameras'"},
+         "after conversion: the camera database has no element 'cameras'"},
         {"17/ucmdb.xml", sample(17), "backup", "Unexpected folders in data-common directory"},
         {"9/ucmdb.xml", sample(16), "17", m_folder.filePath("db/17/ucmdb.xml")},
     };
@@ -265,7 +265,7 @@ TEST_F(CameraDbFiles, AUserFileWithRecordsThatAreNotTakenIsNeverOverwritten)
     QString error;
     EXPECT_FALSE(loadCameraDatabases(store, error));
     const QString fault = "line 39: camera \"a/b FC6310_8.8_5472x3648\": The camera name is not";
-    EXPECT_TRUE(error.contains("ucmdb.xml' holds records that cannot be used: " + fault))
+    EXPECT_TRUE(error.contains("ucmdb.xml' contains records that cannot be used: " + fault))
         << qPrintable(error);
     EXPECT_FALSE(store.userData().rigs.empty()) << "what can be used is";
     EXPECT_FALSE(store.setMapping("x", "Mine", true));
@@ -427,7 +427,7 @@ TEST_F(CameraDbFiles, WhatCannotBeImportedIsNamedWithItsLine)
          "line 2, column "},
         {"<cameraModelDB><version>16</version><lens/></cameraModelDB>", "Error converting"},
         {"<cameraModelDB><camera cameraId='a'><imageWidth>x</imageWidth></camera></cameraModelDB>",
-         "once converted: line "},
+         "after conversion: line "},
     };
     for (const auto& [content, reason] : cases) {
         put(m_folder.filePath("broken.xml"), content);

@@ -52,7 +52,7 @@ TEST(CameraDbSelftest, AnotherSensorIsADoubtThatNamesTheCameraWhichTheTableKnows
     EXPECT_EQ(
         findingsAbout({small, modelOf("FC6310_8.8_5472x3648", 5472, 3648, 2.4)}),
         QStringList("FC6310_9.0_640x512: its sensor is 41.8 % narrower than the table of sensor "
-                    "sizes says, which knows another camera of this product: "
+                    "sizes says, which lists another camera of this product: "
                     "'FC6310_8.8_5472x3648'"));
     // One side fits, the other is longer than the sensor.
     EXPECT_EQ(

@@ -90,10 +90,10 @@ TEST(RigFromCaptures, RefusesWhatMakesNoRig)
     const std::pair<std::vector<Capture>, const char*> cases[] = {
         {{}, "no capture has two images or more"},
         {flight({"Blue"}), "no capture has two images or more"},
-        {flight({"Blue", "Blue"}), "two cameras of capture 'A' cannot be told apart"},
+        {flight({"Blue", "Blue"}), "two cameras of capture 'A' cannot be distinguished"},
         {mixed, "captures 'A' and 'B' are not of one rig"},
-        {otherCase, "two cameras of capture 'f/a' cannot be told apart"},
-        {otherBody, "two cameras of capture 'f/a' cannot be told apart"},
+        {otherCase, "two cameras of capture 'f/a' cannot be distinguished"},
+        {otherBody, "two cameras of capture 'f/a' cannot be distinguished"},
     };
     for (const auto& [captures, reason] : cases) {
         RigModel rig;

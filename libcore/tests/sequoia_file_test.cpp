@@ -228,9 +228,9 @@ TEST(CutTiffRows, RefusesWhatItCannotCutAndLeavesItAlone)
         {set(0x101, 8, 960, 2), "has 960 rows instead of 970"},
         {set(0x103, 8, 5, 2), "compressed (scheme 5); only uncompressed pixels can be cut"},
         {set(0x10f, 0, 0x142, 2), "in tiles; only strips can be cut"},
-        {set(0x10f, 0, 0x14a, 2), "holds more than one picture"},
-        {set(0x8769, 12, 8, 4), "holds more than one picture"},
-        {set(0x10f, 0, 0xc68d, 2), "holds tag 50829, which refers to rows of the uncut picture"},
+        {set(0x10f, 0, 0x14a, 2), "contains more than one picture"},
+        {set(0x8769, 12, 8, 4), "contains more than one picture"},
+        {set(0x10f, 0, 0xc68d, 2), "contains tag 50829, which refers to rows of the uncut picture"},
         {set(0x102, 8, 0, 2), "damaged: width, samples or bits of a pixel are missing or wrong"},
         {set(0x116, 8, 0, 2), "damaged: its strips do not make up 970 rows"},
         {set(0x116, 8, 300, 2), "damaged: its strips do not make up 970 rows"},
@@ -240,9 +240,9 @@ TEST(CutTiffRows, RefusesWhatItCannotCutAndLeavesItAlone)
              file = tiff({.rowsPerStrip = 500});
              set(0x117, 8, numberAt(file, 4, 4), 4)(file); // the directory itself
          },
-         "damaged: several things share byte 5894"},
-        {set(0x111, 8, 7, 4), "damaged: several things share byte 7"},
-        {set(0x111, 8, 40, 4), "damaged: several things share byte 5832"},
+         "damaged: several parts overlap at byte 5894"},
+        {set(0x111, 8, 7, 4), "damaged: several parts overlap at byte 7"},
+        {set(0x111, 8, 40, 4), "damaged: several parts overlap at byte 5832"},
     };
     for (const auto& [change, reason] : cases) {
         QByteArray file = tiff({});

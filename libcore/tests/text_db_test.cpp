@@ -173,14 +173,14 @@ INSTANTIATE_TEST_SUITE_P(
             "line 3, column 1: unknown section '[lenses]'"},
         BadText{
             "SectionTwice", "[mappings]", "[cameras]",
-            "line 17, column 1: section '[cameras]' stands twice"},
+            "line 17, column 1: section '[cameras]' occurs twice"},
         BadText{
             "NoColumns", "exifId,camera\nB,A\n", "",
             "line 18, column 1: the section has no row of column names"},
         BadText{
             "UnknownColumn", "focalLengthMm", "focalLength",
             "line 4, column 54: unknown column 'focalLength'"},
-        BadText{"ColumnTwice", "lensType", "name", "line 4, column 45: column 'name' stands twice"},
+        BadText{"ColumnTwice", "lensType", "name", "line 4, column 45: column 'name' occurs twice"},
         BadText{
             "ColumnMissing", "camera,pixelType,", "camera,",
             "line 15, column 1: column 'pixelType' is missing"},
@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
             "line 6, column 21: lensType 'tele' is not perspective, fisheye or spherical"},
         BadText{
             "OtherLens", "fisheye,,", "fisheye,2,",
-            "line 6, column 29: focalLengthMm '2' does not go with this lens"},
+            "line 6, column 29: focalLengthMm '2' does not apply to this lens type"},
         BadText{
             "InvalidCamera", "1.55", "0",
             "line 5, column 1: camera 'A': The pixel size is not positive"},
@@ -214,7 +214,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadText{
             "InvalidBands", "NIR,790", "green,790",
             "line 5, column 1: camera 'A': Two bands are named 'green'"},
-        BadText{"CameraTwice", "Größe", "A", "line 6, column 1: camera 'A' stands twice"},
+        BadText{"CameraTwice", "Größe", "A", "line 6, column 1: camera 'A' occurs twice"},
         BadText{"UnknownCamera", "A,0,NIR", "C,0,NIR", "line 10, column 1: there is no camera 'C'"},
         BadText{"ConfigGap", "A,0,NIR", "A,2,NIR", "line 10, column 1: config 2 without config 1"},
         BadText{
@@ -227,14 +227,14 @@ INSTANTIATE_TEST_SUITE_P(
             "Coefficients", "3,4\"", "3,\"", "line 13, column 1: coefficients: '' is not a number"},
         BadText{
             "PixelValuesTwice", "65535\n", "65535\nA,uint16,0,1\n",
-            "line 17, column 1: pixelType of camera 'A' stands twice"},
+            "line 17, column 1: pixelType of camera 'A' occurs twice"},
         BadText{
             "PixelValues", "A,uint16,0,", "A,uint16,70000,",
             "line 5, column 1: camera 'A': The pixel value range is invalid: "
             "minimum 70000 exceeds maximum 65535"},
         BadText{
-            "MappingTwice", "B,A\n", "B,A\nB,C\n", "line 20, column 1: exifId 'B' stands twice"},
-        BadText{"RigTwice", "R,1\n[", "R,1\nR,0\n[", "line 23, column 1: rig 'R' stands twice"},
+            "MappingTwice", "B,A\n", "B,A\nB,C\n", "line 20, column 1: exifId 'B' occurs twice"},
+        BadText{"RigTwice", "R,1\n[", "R,1\nR,0\n[", "line 23, column 1: rig 'R' occurs twice"},
         BadText{"UnknownRig", "R,left", "Q,left", "line 25, column 1: there is no rig 'Q'"},
         BadText{
             "RigBandCamera", "R,1,NIR", "R,2,NIR", "line 29, column 1: rig 'R' has no camera 2"},
@@ -243,7 +243,8 @@ INSTANTIATE_TEST_SUITE_P(
             "line 22, column 1: rig 'R': There is no reference camera 2 among 2 cameras"},
         BadText{
             "ReferencePose", "R,1\n[", "R,0\n[",
-            "line 22, column 1: rig 'R': The reference camera has a pose"},
+            "line 22, column 1: rig 'R': The reference camera has a pose, but poses are relative "
+            "to it"},
         BadText{
             "RigExif", "left,A", "left,",
             "line 22, column 1: rig 'R': An enabled camera has no EXIF string"},

@@ -100,7 +100,7 @@ TEST_F(Align, NothingThatIsReadOrWrittenIsWrittenOver)
          {QStringList{"-o", points}, {"--report", link}, {"-o", out, "--report", out}}) {
         const ProgramRun run = runProgram(QStringList{"align", points} + outputs);
         EXPECT_EQ(run.exitCode, 1) << outputs.join(' ').toStdString();
-        EXPECT_TRUE(run.err.contains("would be written over by this run"));
+        EXPECT_TRUE(run.err.contains("is given twice: this run would overwrite it"));
         EXPECT_EQ(read("points.csv"), kTurned);
         EXPECT_FALSE(QFile::exists(out));
     }

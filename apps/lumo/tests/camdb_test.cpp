@@ -81,7 +81,7 @@ TEST_F(Camdb, OfACameraThatIsKnownAnImageTellsBandsAtMost)
     const QString image = samplePath("images/flight_0001_1.tif");
     const ProgramRun added = camdb({"add", image});
     EXPECT_EQ(added.exitCode, 1);
-    EXPECT_TRUE(added.err.contains("is known already (internal): see --overwrite"))
+    EXPECT_TRUE(added.err.contains("exists already (internal): replace it with --overwrite"))
         << added.err.toStdString();
     EXPECT_EQ(bandsOf(rededge), before);
     const ProgramRun replaced = camdb({"add", "--overwrite", "--json", image});

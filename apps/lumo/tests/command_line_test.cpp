@@ -19,8 +19,8 @@ TEST(CommandLine, WrongUsageIsSaidAndEndsWithTwo)
     } rows[] = {
         {{}, "A subcommand is required"},
         {{"identify"}, "PATH is required"},
-        {{"identfy", "x.jpg"}, "'identfy' is no command or option here"},
-        {{"camdb", "lst"}, "'lst' is no command or option here"},
+        {{"identfy", "x.jpg"}, "'identfy' is not a command or option here"},
+        {{"camdb", "lst"}, "'lst' is not a command or option here"},
         {{"identify", "--no-such-option", "x"}, "--no-such-option"},
         {{"align", "p.csv", "--outliers", "nan"}, "'nan' is not a number, 0 to 0.99"},
         {{"align", "p.csv", "--outliers", "1.5"}, "'1.5' is not a number, 0 to 0.99"},
@@ -90,7 +90,7 @@ TEST(CommandLine, FoldersGiveWhatTheyHoldAndSayWhatTheyCannot)
     EXPECT_EQ(records[0]["error"].toString(), "The link leads nowhere");
     EXPECT_EQ(records[1]["error"].toString(), "The name is not valid UTF-8");
     EXPECT_EQ(records[2]["file"].toString(), "[a,b]/one.jpg");
-    EXPECT_TRUE(run.err.contains("lumo: none: note: the folder holds no files of this kind\n"));
+    EXPECT_TRUE(run.err.contains("lumo: none: note: the folder contains no files of this kind\n"));
 }
 
 } // namespace

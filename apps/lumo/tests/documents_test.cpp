@@ -147,7 +147,7 @@ TEST(Documents, BashCompletesValuesByTheirKind)
     const std::pair<QStringList, QSet<QString>> cases[] = {
         {{"lumo", "--data-dir", ""}, {"a folder"}},
         {{"lumo", "camdb", "list", "--data-dir", "=", "a"}, {"a folder"}},
-        {{"lumo", "--data-dir", "camdb", "id"}, {"identify"}}, // a value is no command
+        {{"lumo", "--data-dir", "camdb", "id"}, {"identify"}}, // a value is not a command
         {{"lumo", "identify", "--json", "a"}, all},
         {{"lumo", "project", "convert", "--backup", ""}, all + QSet<QString>{"auto", "none"}},
         {{"lumo", "project", "convert", "--backup", "="}, all + QSet<QString>{"auto", "none"}},

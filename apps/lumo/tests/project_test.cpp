@@ -79,7 +79,7 @@ TEST_F(ProjectCommand, ConvertInPlaceKeepsABackup)
     write(file, before + "<!-- changed -->");
     const ProgramRun refused = run({"convert", file});
     EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_TRUE(refused.err.contains("another backup is kept at")) << refused.err.toStdString();
+    EXPECT_TRUE(refused.err.contains("a different backup exists at")) << refused.err.toStdString();
     EXPECT_EQ(read(file), before + "<!-- changed -->");
     EXPECT_EQ(run({"convert", file, "--backup", m_folder.filePath("mine.kpx")}).exitCode, 0);
     EXPECT_EQ(read(m_folder.filePath("mine.kpx")), before + "<!-- changed -->");
@@ -222,7 +222,7 @@ TEST_F(ProjectCommand, ABackupThatCannotBeMadeIsSaidWithTheReason)
     const ProgramRun run = this->run({"convert", "--backup", file + "/in/it", file});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(
-        run.err, QStringLiteral("lumo: %1: no backup could be made: %1/in: the folder cannot be "
+        run.err, QStringLiteral("lumo: %1: the backup cannot be made: %1/in: the folder cannot be "
                                 "made\n")
                      .arg(file));
     EXPECT_EQ(read(file), read(samplePath("templates/quick_format_1.tmpl")));

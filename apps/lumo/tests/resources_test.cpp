@@ -62,7 +62,7 @@ TEST(Resources, GpusAreShownWithWhatEnabledOrDisabledThem)
     const std::tuple<int, const char*, const char*> disabled[] = {
         {0, "driver", "less than 2000 MB"},
         {2, "user", "--disable-gpu"},
-        {3, "driver", "the driver does not tell its memory"}};
+        {3, "driver", "the driver does not report its memory"}};
     for (const auto& [gpu, from, reason] : disabled) {
         const QJsonObject shown = gpus[gpu].toObject();
         EXPECT_FALSE(shown["enabled"].toBool()) << gpu;

@@ -76,7 +76,7 @@ TEST(Rig, TheImagesOwnPosesMakeAUserRig)
     EXPECT_EQ(saved.out, "Mine: 5 cameras\n");
     const ProgramRun again = run({"rig", "--json", "--save", "Mine", samplePath("images")});
     EXPECT_EQ(again.exitCode, 1);
-    EXPECT_TRUE(again.records().front()["error"].toString().startsWith("is known already"));
+    EXPECT_TRUE(again.records().front()["error"].toString().startsWith("exists already"));
     EXPECT_EQ(run({"rig", "--overwrite", "--save", "Mine", samplePath("images")}).exitCode, 0);
     const QJsonObject rig = run({"camdb", "show", "Mine", "--json"}).records().front();
     EXPECT_EQ(rig["referenceCamera"].toInt(), 1);

@@ -83,12 +83,13 @@ bool checkKind(const TiffFile& tiff, const TiffDirectory& picture, QString& erro
         return refuse(QStringLiteral("in tiles; only strips can be cut"), error);
     }
     if (picture.next != 0 || picture.contains(SubIfds)) {
-        return refuse(QStringLiteral("holds more than one picture"), error);
+        return refuse(QStringLiteral("contains more than one picture"), error);
     }
     for (const quint16 tag : {DefaultCropOrigin, DefaultCropSize, ActiveArea, MaskedAreas}) {
         if (picture.contains(tag)) {
             return refuse(
-                QStringLiteral("holds tag %1, which refers to rows of the uncut picture").arg(tag),
+                QStringLiteral("contains tag %1, which refers to rows of the uncut picture")
+                    .arg(tag),
                 error);
         }
     }
@@ -174,7 +175,8 @@ bool nothingOverlaps(const TiffFile& tiff, const Strips& strips, QString& error)
     for (const TiffRange& range : ranges) {
         if (range.begin < (range.exclusive ? end : exclusiveEnd)) {
             return refuse(
-                QStringLiteral("damaged: several things share byte %1").arg(range.begin), error);
+                QStringLiteral("damaged: several parts overlap at byte %1").arg(range.begin),
+                error);
         }
         end = std::max(end, range.end);
         exclusiveEnd = range.exclusive ? std::max(exclusiveEnd, range.end) : exclusiveEnd;

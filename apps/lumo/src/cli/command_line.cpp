@@ -112,7 +112,7 @@ void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
         ->required();
     identifyCommand->add_flag(
         "--explain", arguments.explain,
-        "Say what took or refused each candidate, and all evidence for the pixel size");
+        "Show why each candidate was taken or refused, and all evidence for the pixel size");
 
     CLI::App* rigCommand = addCommand(
         app, run, "rig", "Group image files into captures and find the rig of each",
@@ -123,12 +123,13 @@ void addImageCommands(CLI::App& app, Run& run, Arguments& arguments)
                        : saveRig(
                              paths, toQt(arguments.rigName), arguments.overwrite, arguments.common);
         });
-    CLI::Option* save = rigCommand
-                            ->add_option(
-                                "--save", arguments.rigName,
-                                "Make a rig of your own of this name from the images' own metadata")
-                            ->type_name("NAME")
-                            ->check(notEmpty());
+    CLI::Option* save =
+        rigCommand
+            ->add_option(
+                "--save", arguments.rigName,
+                "Make a rig of this name from the images' metadata and save it as your own")
+            ->type_name("NAME")
+            ->check(notEmpty());
     rigCommand
         ->add_flag("--overwrite", arguments.overwrite, "With --save: replace a rig of this name")
         ->needs(save);
@@ -170,14 +171,14 @@ void addSerialOption(CLI::App* command, Arguments& arguments)
 void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
 {
     CLI::App* add = addCommand(
-        camdb, run, "add", "Make the camera of an image's metadata one of your own",
+        camdb, run, "add", "Make a camera from an image's metadata and save it as your own",
         "lumo camdb add DJI_0001.JPG", [&arguments] {
             return camdb::add(toQt(arguments.first), arguments.overwrite, arguments.common);
         });
     add->add_option("IMAGE", arguments.first, "Image file with metadata")->required();
     add->add_flag(
         "--overwrite", arguments.overwrite,
-        "Replace a camera that is known (default: add the image's bands to it at most)");
+        "Replace an existing camera (default: only add the image's bands to it)");
 
     CLI::App* remove = addCommand(
         camdb, run, "remove", "Remove a camera, rig or mapping of your own",
@@ -193,7 +194,7 @@ void addDatabaseEditing(CLI::App& camdb, Run& run, Arguments& arguments)
     addSerialOption(remove, arguments);
 
     CLI::App* map = addCommand(
-        camdb, run, "map", "Let the identifier of images stand for a camera",
+        camdb, run, "map", "Map an identifier of images to a camera",
         "lumo camdb map FC6310S_8.8_5472x3648 FC6310_8.8_5472x3648", [&arguments] {
             return camdb::map(toQt(arguments.first), toQt(arguments.second), arguments.common);
         });
@@ -230,14 +231,14 @@ void addDatabaseFiles(CLI::App& camdb, Run& run, Arguments& arguments)
     exportCommand->add_flag("--internal", arguments.internal, "Write the shipped database instead");
 
     CLI::App* validate = addCommand(
-        camdb, run, "validate", "Say whether a file is a database of the current version",
+        camdb, run, "validate", "Check that a file is a valid database of the current version",
         "lumo camdb validate my.xml",
         [&arguments] { return camdb::validate(toQt(arguments.first), arguments.common); });
     validate->add_option("FILE", arguments.first, "XML document, or text database (.csv)")
         ->required();
 
     CLI::App* convert = addCommand(
-        camdb, run, "convert", "Bring a database of an older version to the current one",
+        camdb, run, "convert", "Convert a database of an older version to the current one",
         "lumo camdb convert old.xml new.xml", [&arguments] {
             return camdb::convert(toQt(arguments.first), toQt(arguments.second), arguments.common);
         });
@@ -278,7 +279,7 @@ void addDatabaseCommands(CLI::App& app, Run& run, Arguments& arguments)
 void addAlignCommand(CLI::App& app, Run& run, Arguments& arguments)
 {
     CLI::App* command = addCommand(
-        app, run, "align", "Find the transform that takes one set of points to another",
+        app, run, "align", "Find the transform that maps one set of points onto another",
         "lumo align --outliers 0.2 --report site.html points.csv", [&arguments] {
             arguments.align.pointFile = toQt(arguments.first);
             arguments.align.jsonFile = toQt(arguments.jsonFile);
@@ -311,13 +312,14 @@ void addAlignCommand(CLI::App& app, Run& run, Arguments& arguments)
         ->type_name("FILE")
         ->check(notEmpty());
     command->add_flag(
-        "--force", align.force, "Give a transform even where the points leave it open");
+        "--force", align.force, "Give a transform even if the points do not determine it");
 }
 
 void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
 {
     CLI::App* command = addCommand(
-        app, run, "resources", "Show the CPUs, memory and GPUs for processing, and what set each",
+        app, run, "resources",
+        "Show the CPUs, memory and GPUs for processing, and the origin of each limit",
         "lumo resources --max-cpus 4",
         [&arguments] { return showResources(arguments.resources, arguments.common); });
     constexpr int kMostRamGB = 2097151; // beyond it, an int does not hold the MB
@@ -330,7 +332,7 @@ void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
     command
         ->add_option(
             "--disable-gpu", arguments.resources.disabledGpus,
-            "Leave out the GPU of this number, the first being 0; may be given again")
+            "Disable the GPU of this number, counted from 0; may be repeated")
         ->type_name("N")
         ->allow_extra_args(false)
         ->transform(atLeast(0));
@@ -339,7 +341,7 @@ void addResourcesCommand(CLI::App& app, Run& run, Arguments& arguments)
 void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
 {
     CLI::App* convert = addCommand(
-        parent, run, "convert", "Bring files to the current format version",
+        parent, run, "convert", "Convert files to the current format version",
         "lumo project convert --dry-run site.kpx", [&arguments] {
             arguments.project.paths = toQt(arguments.paths);
             arguments.project.output = toQt(arguments.output);
@@ -363,13 +365,13 @@ void addProjectConvert(CLI::App& parent, Run& run, Arguments& arguments)
     convert
         ->add_option(
             "--backup", arguments.backup,
-            "Where the old file is kept when it is converted in place: auto (beside it; of "
-            "templates in the data folder), none, or this file (a folder, if there are several)")
+            "Where to keep the old file when it is converted in place: auto (beside it; "
+            "templates: in the data folder), none, or this file (a folder, if there are several)")
         ->type_name("auto|none|FILE")
         ->check(notEmpty())
         ->capture_default_str();
     convert->add_flag(
-        "--dry-run", arguments.project.dryRun, "Say what would be done, and write nothing");
+        "--dry-run", arguments.project.dryRun, "Show what would be done, and write nothing");
 }
 
 void addProjectCommands(CLI::App& app, Run& run, Arguments& arguments)
@@ -387,12 +389,12 @@ void addProjectCommands(CLI::App& app, Run& run, Arguments& arguments)
             ->required();
     };
     addFiles(addCommand(
-        *parent, run, "info", "Say of what versions files are, and what converting them would do",
+        *parent, run, "info", "Show the versions of files and the steps of a conversion",
         "lumo project info site.kpx",
         [&arguments] { return project::info(toQt(arguments.paths), arguments.common); }));
     addProjectConvert(*parent, run, arguments);
     addFiles(addCommand(
-        *parent, run, "validate", "Say whether files satisfy their schema",
+        *parent, run, "validate", "Check files against their schema",
         "lumo project validate site.kpx",
         [&arguments] { return project::validate(toQt(arguments.paths), arguments.common); }));
 }
@@ -402,9 +404,8 @@ void define(CLI::App& app, Run& run, Request& request, Arguments& arguments)
 {
     app.name("lumo");
     app.description("Cameras, rigs, projects and alignment of photogrammetric images.");
-    app.footer(
-        "Exit codes: 0 all done; 1 something could not be done, each said on the standard error "
-        "stream as \"lumo: FILE: reason\"; 2 wrong usage");
+    app.footer("Exit codes: 0 all done; 1 something failed, each failure on the standard error "
+               "stream as \"lumo: FILE: reason\"; 2 wrong usage");
     app.formatter(std::make_shared<HelpFormatter>());
     app.require_subcommand(1);
     app.fallthrough();
@@ -412,8 +413,8 @@ void define(CLI::App& app, Run& run, Request& request, Arguments& arguments)
     app.set_version_flag("--version", versionText(), "Print the version and exit");
     app.add_flag(
         "--json", arguments.common.json,
-        "One JSON object per line on the standard output, nothing else there");
-    app.add_flag("-v", request.verbosity, "Say more of what is done; -vv says all");
+        "Print one JSON object per line on the standard output, and nothing else");
+    app.add_flag("-v", request.verbosity, "Log more of what is done; -vv logs everything");
     app.add_option(
            "--data-dir", arguments.dataDirectory,
            "Folder of your own databases and settings (default: ~/.local/share/lumo)")
@@ -435,7 +436,7 @@ ExitCode sayWrongUsage(const CLI::App& app, const CLI::ParseError& error)
     const QString reason =
         unknown.empty()
             ? QString::fromLocal8Bit(error.what())
-            : QStringLiteral("'%1' is no command or option here").arg(toQt(unknown.front()));
+            : QStringLiteral("'%1' is not a command or option here").arg(toQt(unknown.front()));
     sayUsage(reason);
     return WrongUsage;
 }

@@ -193,7 +193,7 @@ ExitCode give(
 ExitCode alignPoints(const AlignRequest& request, const CommonOptions& options)
 {
     if (const QString path = pathGivenTwice(request); !path.isEmpty()) {
-        return failed(path, QStringLiteral("would be written over by this run"), options);
+        return failed(path, QStringLiteral("is given twice: this run would overwrite it"), options);
     }
     PointPairs pairs;
     Alignment alignment;

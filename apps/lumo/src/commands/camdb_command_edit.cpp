@@ -47,7 +47,8 @@ ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
     exif.serialNumber.clear();
     if (exif.calibration) {
         exif.calibration.reset();
-        sayRemark(image, QStringLiteral("its own calibration is left out: it is one lens's"));
+        sayRemark(
+            image, QStringLiteral("its calibration is left out: it is valid for one lens only"));
     }
     if (!exif::getCamera(exif, camera, nullptr, error)) {
         return failed(image, error, options);
@@ -60,10 +61,10 @@ ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
     if (known && (overwrite ? held.equal(model) : !held.addBands(camera.bands))) {
         return failed(
             image,
-            QStringLiteral("'%1' is known already (%2)%3")
+            QStringLiteral("'%1' exists already (%2)%3")
                 .arg(
                     name, text::toString(held.params.source),
-                    overwrite ? QString() : QStringLiteral(": see --overwrite")),
+                    overwrite ? QString() : QStringLiteral(": replace it with --overwrite")),
             options);
     }
     const bool saved =
@@ -116,7 +117,7 @@ ExitCode map(const QString& exifId, const QString& name, const CommonOptions& op
         return failed(name, QStringLiteral("no camera of this name"), options);
     }
     if (!database.setMapping(exifId, name, true)) {
-        return failed(exifId, QStringLiteral("cannot be mapped, or not be saved"), options);
+        return failed(exifId, QStringLiteral("the mapping could not be made or saved"), options);
     }
     return AllDone;
 }

@@ -194,7 +194,7 @@ QString toText(const RigModel& rig, CameraSource source)
                {{"what", "value"},
                 {"rig", rig.name},
                 {"source", text::toString(source)},
-                {"cameras are told by", text::toString(rig.cameraDetection)},
+                {"cameras distinguished by", text::toString(rig.cameraDetection)},
                 {"processing mode", text::toString(rig.processingMode)}}) +
            QLatin1Char('\n') + formatTable(cameras);
 }

@@ -64,7 +64,9 @@ bool mayBackUp(const QString& file, const QString& backup, QString& error)
         return false;
     }
     if (!same) {
-        error = QStringLiteral("another backup is kept at %1: see --backup").arg(backup);
+        error =
+            QStringLiteral("a different backup exists at %1: choose another place with --backup")
+                .arg(backup);
     }
     return same;
 }
@@ -79,7 +81,7 @@ bool backUp(const QString& file, const QString& backup, QString& error)
     }
     QString reason;
     if (!copyWithFolder(file, backup, reason)) {
-        error = QStringLiteral("no backup could be made: ") + reason;
+        error = QStringLiteral("the backup cannot be made: ") + reason;
         return false;
     }
     bool same = false;
@@ -87,7 +89,7 @@ bool backUp(const QString& file, const QString& backup, QString& error)
         return false;
     }
     if (!same) {
-        error = QStringLiteral("the backup %1 is not what was copied").arg(backup);
+        error = QStringLiteral("the backup %1 differs from the file that was copied").arg(backup);
     }
     return same;
 }

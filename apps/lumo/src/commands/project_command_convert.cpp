@@ -197,7 +197,7 @@ ExitCode convertOne(
     if (converter.biggerVersion()) {
         return failed(
             file,
-            QStringLiteral("is of format version %1, newer than version %2 that was asked for")
+            QStringLiteral("has format version %1, newer than the requested version %2")
                 .arg(converter.kpxVersion())
                 .arg(request.target),
             options);
@@ -206,7 +206,8 @@ ExitCode convertOne(
     Job job{file, outputFor(file, request), {}};
     job.backup = backupFor(file, job.output, converter, request);
     if (file::exists(job.output) && !isSameFile(file, job.output)) {
-        return failed(file, QStringLiteral("%1 is there already").arg(job.output), options);
+        return failed(
+            file, QStringLiteral("the output file %1 exists already").arg(job.output), options);
     }
     if (!converter.needsConversion()) {
         return nothingToDo(job, request, options);
@@ -230,7 +231,8 @@ ExitCode convert(const ConvertRequest& request, const CommonOptions& options)
         request.paths.size() > 1 || (request.paths.size() == 1 && isFolder(request.paths.front()));
     for (const QString& path : {request.output, request.backup}) {
         if (several && isForOneFile(path)) {
-            return failed(path, QStringLiteral("is no folder, and there are several files"));
+            return failed(
+                path, QStringLiteral("is not a folder, but several files are to be written"));
         }
     }
     ParamConverter::setTemplatesDataLocation(options.dataDirectory);

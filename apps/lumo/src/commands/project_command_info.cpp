@@ -53,7 +53,7 @@ ExitCode validateOne(const QString& file, const CommonOptions& options)
     QString error;
     bool valid = false;
     if (isLegacy(converter)) {
-        error = QStringLiteral("version %1 has no schema: convert it first")
+        error = QStringLiteral("format version %1 has no schema: convert the file first")
                     .arg(converter.getProjectVersion());
     } else if (!input.open(QIODevice::ReadOnly)) {
         error = input.errorString();
@@ -135,8 +135,8 @@ ExitCode info(const QStringList& paths, const CommonOptions& options)
         }
         QString toBeDone = QStringLiteral("nothing");
         if (converter.biggerVersion()) {
-            toBeDone =
-                QStringLiteral("newer than %1, which this program knows").arg(kpx::kCurrentVersion);
+            toBeDone = QStringLiteral("newer than %1, the newest version that this program knows")
+                           .arg(kpx::kCurrentVersion);
         } else if (!steps.isEmpty()) {
             toBeDone = QStringLiteral("steps to version %1: %2")
                            .arg(kpx::kCurrentVersion)

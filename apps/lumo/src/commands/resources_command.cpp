@@ -73,7 +73,7 @@ QString disabledReason(int gpu, bool byUser)
         return QStringLiteral("--disable-gpu");
     }
     if (cuda::getGlobalMemory(gpu) <= 0.0F) {
-        return QStringLiteral("the driver does not tell its memory");
+        return QStringLiteral("the driver does not report its memory");
     }
     if (!cuda::isDeviceRecommended(gpu)) {
         return QStringLiteral("less than %1 MB").arg(double{cuda::kRecommendedMemoryMB});

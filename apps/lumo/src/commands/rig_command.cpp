@@ -254,7 +254,7 @@ ExitCode saveRig(
     RigModel held;
     const bool known = database.findRigModel(name, held, false);
     if (known && !overwrite) {
-        return failed(name, QStringLiteral("is known already: see --overwrite"), options);
+        return failed(name, QStringLiteral("exists already: replace it with --overwrite"), options);
     }
     ExitCode exitCode = AllDone;
     const std::vector<Capture> captures = readCaptures(paths, options, exitCode);

@@ -198,7 +198,7 @@ ExitCode showSequoia(
         }
         images.emplace_back(file, exif);
         if (exif.serialNumber.isEmpty()) {
-            fail(file, QStringLiteral("no serial number: part of no device"));
+            fail(file, QStringLiteral("no serial number, so the image belongs to no device"));
         }
     };
     readImages(paths, take, fail);

@@ -141,7 +141,7 @@ QStringList listFiles(
             FolderListing folder(wanted, failed);
             folder.list(argument);
             if (folder.foundNothing()) {
-                sayRemark(argument, QStringLiteral("the folder holds no files of this kind"));
+                sayRemark(argument, QStringLiteral("the folder contains no files of this kind"));
             }
             if (!folder.leftOut().isEmpty()) {
                 sayRemark(argument, folder.leftOut());

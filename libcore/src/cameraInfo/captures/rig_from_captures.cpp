@@ -91,7 +91,8 @@ bool makeRigFromCaptures(
     }
     const rig_filter_t filter = cameraFilter(*largest, database, name);
     if (ambiguous(filter)) {
-        error = QStringLiteral("two cameras of capture '%1' cannot be told apart").arg(largest->id);
+        error =
+            QStringLiteral("two cameras of capture '%1' cannot be distinguished").arg(largest->id);
         return false;
     }
     const RigModel result = makeRig(*largest, filter);

@@ -139,8 +139,9 @@ bool read(const QDomDocument& document, bool userDatabase, CameraDBData& data, Q
     const QDomElement root = rootOf(document);
     if (root.isNull()) {
         log::important() << "cameraModelDB tag was not found in the XML";
-        error = QStringLiteral("is no camera database: the root element is '%1', not cameraModelDB")
-                    .arg(document.documentElement().tagName());
+        error =
+            QStringLiteral("is not a camera database: the root element is '%1', not cameraModelDB")
+                .arg(document.documentElement().tagName());
         return false;
     }
     const QDomElement cameras = root.firstChildElement(QStringLiteral("cameras"));

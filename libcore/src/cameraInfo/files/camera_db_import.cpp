@@ -50,7 +50,7 @@ bool importUserDatabase(
     }
     QString fault;
     if (!hasDbLastestFormat(document, fault)) {
-        error = document == file ? fault : QStringLiteral("once converted: ") + fault;
+        error = document == file ? fault : QStringLiteral("after conversion: ") + fault;
         return false;
     }
     if (!CameraDbIo(database).addUserXML(document, overwrite, fault)) {

@@ -156,7 +156,7 @@ bool CameraDbIo::loadXML(const QString& internalFile, const QString& userFile)
 bool CameraDbIo::loadXML(const QString& internalFile, const QString& userFile, QString& error)
 {
     if (internalFile.isEmpty() && userFile.isEmpty()) {
-        error = QStringLiteral("no file of a camera database was named");
+        error = QStringLiteral("no camera database file was given");
         return false;
     }
     if (!internalFile.isEmpty()) {
@@ -270,7 +270,7 @@ bool CameraDbIo::exportXML(
     const QString& file, bool internalOnly, unsigned& hash, QString& error) const
 {
     if (file.isEmpty()) {
-        error = QStringLiteral("no file was named to write the camera database to");
+        error = QStringLiteral("no output file was given for the camera database");
         return false;
     }
     const cameradb::CameraDBData& tables =

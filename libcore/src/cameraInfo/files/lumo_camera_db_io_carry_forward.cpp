@@ -74,7 +74,7 @@ bool convertFile(const QString& source, const QString& target, QString& error)
     }
     QString fault;
     if (!hasDbLastestFormat(target, fault)) {
-        error = (document == source ? QString() : QStringLiteral("once converted: ")) + fault;
+        error = (document == source ? QString() : QStringLiteral("after conversion: ")) + fault;
         return false;
     }
     return true;
@@ -123,7 +123,7 @@ bool CameraDbIo::convertUserFile(std::size_t version, QString& error)
     QString reason;
     if (m_database.enabledUserDB() &&
         !loadXMLPrivate(converted, true, loaded, false, true, reason)) {
-        error = QStringLiteral("once converted: ") +
+        error = QStringLiteral("after conversion: ") +
                 text::withoutPrefix(reason, converted + QStringLiteral(": "));
         return false;
     }

@@ -101,12 +101,12 @@ bool loadUser(CameraDbIo& io, CameraModelDb& database, QString& error)
     QString fault;
     if (!io.loadXML(QString(), file, fault)) {
         error = QStringLiteral("your own cameras and rigs can neither be used nor changed, "
-                               "because their file does not load; it is left as it is: ") +
+                               "because their file does not load; the file is left unchanged: ") +
                 fault;
     } else if (!database.userData().skipped.isEmpty()) {
-        error = QStringLiteral("'%1' holds records that cannot be used: %2. It is left as it is, "
-                               "and your own cameras and rigs cannot be changed until these "
-                               "records are mended or removed")
+        error = QStringLiteral("'%1' contains records that cannot be used: %2. The file is left "
+                               "unchanged, and your own cameras and rigs cannot be changed. "
+                               "Repair or remove these records")
                     .arg(file, database.userData().skipped.join(QStringLiteral("; ")));
     } else {
         return true;
@@ -130,9 +130,9 @@ bool loadCameraDatabases(CameraModelDb& database, QString& error)
         database.setUserDBReadOnly(true);
         // Making the folder of the current version would hide the older file for good.
         if (loadShipped(database, error)) {
-            error = QStringLiteral("your own database of an older version cannot be carried "
-                                   "forward, which is tried again at the next start; until then "
-                                   "your own cameras and rigs can neither be used nor changed: ") +
+            error = QStringLiteral("your own database of an older version cannot be converted; "
+                                   "the next start tries again. Until then your own cameras and "
+                                   "rigs can neither be used nor changed: ") +
                     fault;
         }
         return false;

@@ -110,7 +110,8 @@ void doubtTable(std::vector<PixelSizeClaim>& claims)
 {
     for (PixelSizeClaim& claim : claims) {
         if (claim.from == PixelSizeOrigin::SensorTable && claim.doubt.isEmpty()) {
-            claim.doubt = QStringLiteral("several cameras have this name, the table knows one");
+            claim.doubt =
+                QStringLiteral("several cameras have this name, but the table lists only one");
         }
     }
 }
@@ -147,7 +148,7 @@ QStringList findDisagreements(
     }
     if (exif.digitalZoom > kZoomed) {
         result.append(
-            QStringLiteral("the camera zoomed digitally by %1: pixels may be smaller by as much")
+            QStringLiteral("the digital zoom was %1: the pixels may be smaller by this factor")
                 .arg(exif.digitalZoom));
     }
     return result;
@@ -207,7 +208,7 @@ void setMode(
     if (change.mode != ImageMode::Native) {
         result.mode = change.mode;
         result.modeReason = change.mode == ImageMode::Unknown
-                                ? QStringLiteral("the file's size tells not how it was made")
+                                ? QStringLiteral("the file's size fits several modes or none")
                                 : QStringLiteral("the file's size against the recorded one");
     } else if (!recorded.reason.isEmpty()) {
         result.mode = recorded.mode;
@@ -217,7 +218,7 @@ void setMode(
         result.modeReason =
             sizeStated ? QStringLiteral("the size that the metadata state; the database knows no "
                                         "size of this camera")
-                       : QStringLiteral("neither the metadata nor the database tell a size");
+                       : QStringLiteral("neither the metadata nor the database give a size");
     }
 }
 

@@ -186,14 +186,20 @@ RecordedMode findRecordedMode(
         if (compareSizes(mode.size, size).mode == ImageMode::Native) {
             RecordedMode result = listed(full, mode);
             if (exif.model.isEmpty()) {
-                result.caution = QStringLiteral("the metadata name the maker alone: taken for %1")
-                                     .arg(mode.name);
+                result.caution =
+                    QStringLiteral("the metadata name the maker but no model: assumed to be %1")
+                        .arg(mode.name);
             }
             return result;
         }
     }
     if (exif.model.isEmpty()) {
-        return {ImageMode::Unknown, 0.0, {}, QStringLiteral("the maker alone names no camera"), {}};
+        return {
+            ImageMode::Unknown,
+            0.0,
+            {},
+            QStringLiteral("the metadata name the maker but no model"),
+            {}};
     }
     for (const KnownMode& mode : own) {
         const SizeChange change = compareSizes(mode.size, size);

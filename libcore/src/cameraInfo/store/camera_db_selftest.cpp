@@ -47,7 +47,7 @@ InTable compareWithTable(const CameraModelFromDB& model, QString& text)
     }
     const bool inWidth = std::abs(longSide) > kDoubtful;
     const double share = inWidth ? longSide : shortSide;
-    text = QStringLiteral("its sensor is %1 % %2 than the table of sensor sizes says")
+    text = QStringLiteral("its sensor is %1 % %2 than in the table of sensor sizes")
                .arg(std::abs(share) * 100.0, 0, 'f', 1)
                .arg(
                    !inWidth      ? QStringLiteral("higher")
@@ -73,7 +73,7 @@ void checkSensors(const CameraModelDb& database, std::vector<DatabaseFinding>& f
     }
     for (auto& [model, text] : doubts) {
         if (const auto known = cameraOfTable.find(modelKey(*model)); known != cameraOfTable.end()) {
-            text += QStringLiteral(", which knows another camera of this product: '%1'")
+            text += QStringLiteral(", which lists another camera of this product: '%1'")
                         .arg(known->second);
         }
         findings.push_back({model->params.name, text, false});
@@ -168,8 +168,8 @@ void checkMappings(const CameraModelDb& database, std::vector<DatabaseFinding>& 
     for (const auto& [identifier, name] : data.mappings) {
         if (!data.cameras.contains(name)) {
             findings.push_back(
-                {identifier, QStringLiteral("is mapped to '%1', which is no camera").arg(name),
-                 true});
+                {identifier,
+                 QStringLiteral("is mapped to '%1', but there is no such camera").arg(name), true});
         }
     }
 }

@@ -21,7 +21,7 @@ QString cameraText(const QString& name, const QString& serialNumber)
 
 QString twice(const QString& what)
 {
-    return what + QStringLiteral(" stands twice");
+    return what + QStringLiteral(" occurs twice");
 }
 
 /// The f-number times 100, by which vignetting models are held.
@@ -103,7 +103,7 @@ QString fillRig(RigModel& rig, const std::vector<RigCameraRow>& cameras)
         } else if (isDefault(cameras[i].relatives)) {
             rig.refCamera = cameras[i].attributes;
         } else {
-            return QStringLiteral("The reference camera has a pose");
+            return QStringLiteral("The reference camera has a pose, but poses are relative to it");
         }
     }
     return faultOf(rig);
@@ -122,7 +122,7 @@ QString faultOf(const RigModel& rig)
             reason = rigCameraFault(secondary.attributes);
         }
         if (reason.isEmpty() && !isFinite(secondary.relatives)) {
-            reason = QStringLiteral("A pose is not made of numbers");
+            reason = QStringLiteral("A pose has a value that is not a finite number");
         }
     }
     if (reason.isEmpty() && !rig.valid()) {

@@ -28,7 +28,7 @@ bool readTitle(RowSource& source)
     if (!ok || version < 1) {
         return source.fail(
             cell.place,
-            cellFault(QStringLiteral("version"), cell.text, QStringLiteral("is not one")));
+            cellFault(QStringLiteral("version"), cell.text, QStringLiteral("is not a version")));
     }
     return version <= kFormVersion ||
            source.fail(
@@ -83,7 +83,7 @@ bool readSections(RowSource& source, TablesBuilder& builder)
         }
         if (seen.contains(name.text)) {
             return source.fail(
-                name.place, QStringLiteral("section '%1' stands twice").arg(name.text));
+                name.place, QStringLiteral("section '%1' occurs twice").arg(name.text));
         }
         seen.insert(name.text);
         if (!read(source, builder)) {

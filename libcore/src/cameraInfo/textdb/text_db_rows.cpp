@@ -67,7 +67,7 @@ bool readHeader(RowSource& source, const std::vector<ColumnName>& allowed, std::
         }
         if (std::find(seen.begin(), seen.end(), cell.text) != seen.end()) {
             return source.fail(
-                cell.place, QStringLiteral("column '%1' stands twice").arg(cell.text));
+                cell.place, QStringLiteral("column '%1' occurs twice").arg(cell.text));
         }
         seen.push_back(cell.text);
         order.push_back(

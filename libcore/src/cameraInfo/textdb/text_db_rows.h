@@ -90,9 +90,9 @@ template <typename Row>
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (cells[i] != nullptr && columns[i].applies && !columns[i].applies(record)) {
             return source.fail(
-                cells[i]->place,
-                cellFault(
-                    columns[i].name, cells[i]->text, QStringLiteral("does not go with this lens")));
+                cells[i]->place, cellFault(
+                                     columns[i].name, cells[i]->text,
+                                     QStringLiteral("does not apply to this lens type")));
         }
     }
     return true;

@@ -243,7 +243,7 @@ void ParamConverter::setStepListener(StepListener listener)
 bool ParamConverter::convert(const QString& outputFile, QString& error)
 {
     if (m_impl->steps.empty()) {
-        error = QStringLiteral("nothing is to be converted");
+        error = QStringLiteral("there is nothing to convert");
         return false;
     }
     if (!m_impl->skipsBackup) {
@@ -273,7 +273,7 @@ bool ParamConverter::convert(const QString& outputFile)
 bool ParamConverter::convertInMemory(QByteArray& result, QString& error)
 {
     if (m_impl->steps.empty()) {
-        error = QStringLiteral("nothing is to be converted");
+        error = QStringLiteral("there is nothing to convert");
         return false;
     }
     std::vector<ConversionStepReport> reports;
