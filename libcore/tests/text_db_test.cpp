@@ -166,7 +166,9 @@ INSTANTIATE_TEST_SUITE_P(
         BadText{
             "NewerVersion", "database,1", "database,2",
             "line 1, column 22: version 2 is higher than 1, the current one"},
-        BadText{"Version", "database,1", "database,x", "line 1, column 22: version 'x' is not one"},
+        BadText{
+            "Version", "database,1", "database,x",
+            "line 1, column 22: version 'x' is not a version"},
         BadText{"NoSection", "[cameras]", "", "line 4, column 1: a row outside of any section"},
         BadText{
             "UnknownSection", "[cameras]", "[lenses]",

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kNameSize = 256;
 constexpr std::size_t kReasonSize = 1024;
 
-/// The shortest digits that stand for the value, without exponent.
+/// The value with the fewest digits that identify it, without exponent.
 std::string numberText(float value)
 {
     std::array<char, 64> buffer{};

@@ -11,7 +11,7 @@ FileLock::FileLock(const QFile& file)
 {
     // A holder that was killed is found by its process number, at once. One that
     // was killed before it wrote that number left an empty file, which only its
-    // age tells. A holder that is alive may take longer: its file is also locked
+    // age shows it. A holder that is alive may take longer: its file is also locked
     // in the system, and then not removed.
     constexpr int kUnfinishedAfterMs = 1000;
     m_lock.setStaleLockTime(kUnfinishedAfterMs);

@@ -18,6 +18,7 @@ constexpr quint16 kIfd = 13;
 /// Bytes of one value of a type; 0 for types that are not known.
 quint64 unitBytes(quint16 type)
 {
+    // By type number: 1 BYTE to 12 DOUBLE (TIFF 6.0, section 2), 13 IFD.
     constexpr std::array<quint64, 14> kBytes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
     return type < kBytes.size() ? kBytes.at(type) : 0;
 }
@@ -43,7 +44,7 @@ bool damaged(const QString& what, QString& error)
 bool TiffFile::inside(quint64 at, quint64 size) const
 {
     const auto end = static_cast<quint64>(m_bytes.size());
-    return at <= end && size <= end - at;
+    return at <= end && size <= end - at; // at + size might wrap around
 }
 
 quint16 TiffFile::word(quint64 at) const
@@ -149,7 +150,7 @@ void TiffFile::setNumbers(const TiffEntry& entry, const std::vector<quint32>& va
         m_bigEndian ? qToBigEndian(value, data) : qToLittleEndian(value, data);
     };
     put(quint64(entry.at) + 4, changed.count);
-    // The values stand in the entry itself once there is room for them.
+    // Fewer values may fit into the entry itself, where readers then expect them.
     const quint64 start = valueOffset(changed);
     for (quint64 i = 0; i < changed.count; ++i) {
         if (entry.type == kShort) {

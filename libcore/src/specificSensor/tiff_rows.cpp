@@ -170,6 +170,7 @@ bool nothingOverlaps(const TiffFile& tiff, const Strips& strips, QString& error)
     std::sort(ranges.begin(), ranges.end(), [](const TiffRange& a, const TiffRange& b) {
         return a.begin < b.begin;
     });
+    // Ranges that stay unchanged may share bytes; a range that is written may not.
     quint64 exclusiveEnd = 0;
     quint64 end = 0;
     for (const TiffRange& range : ranges) {
@@ -190,7 +191,7 @@ bool readInnerDirectories(
     TiffFile& tiff, const TiffDirectory& directory, int depth, std::vector<TiffDirectory>& all,
     QString& error)
 {
-    constexpr int kMaxDepth = 3;
+    constexpr int kMaxDepth = 3; // EXIF, interoperability, and one to spare
     for (const quint16 tag : {ExifIfd, GpsIfd, InteroperabilityIfd}) {
         const auto at = tiff.number(directory, tag);
         if (!at) {
@@ -217,6 +218,7 @@ void moveRows(QByteArray& bytes, const Strips& strips, RowRange rows)
             char* place = data + strips.offsetOfRow(plane, row);
             if (row < rows.count) {
                 const char* from = data + strips.offsetOfRow(plane, rows.first + row);
+                // Rows only move up, so this row's source is not overwritten yet.
                 std::memmove(place, from, strips.rowBytes);
             } else {
                 std::memset(place, 0, strips.rowBytes);
@@ -239,6 +241,7 @@ void setStripTags(TiffFile& tiff, const TiffDirectory& picture, const Strips& st
     tiff.setNumbers(picture.entries.at(StripOffsets), offsets);
     tiff.setNumbers(picture.entries.at(StripByteCounts), counts);
     tiff.setNumbers(picture.entries.at(ImageLength), {rows});
+
     if (tiff.number(picture, RowsPerStrip).value_or(0) > rows) {
         tiff.setNumbers(picture.entries.at(RowsPerStrip), {rows});
     }

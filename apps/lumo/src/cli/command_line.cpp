@@ -428,10 +428,10 @@ void define(CLI::App& app, Run& run, Request& request, Arguments& arguments)
     addProjectCommands(app, run, arguments);
 }
 
-/// Says what is wrong with the command line.
+/// Prints what is wrong with the command line.
 ExitCode sayWrongUsage(const CLI::App& app, const CLI::ParseError& error)
 {
-    // Of a name that it does not know CLI11 says only that another one is missing.
+    // For an unknown name CLI11 itself only reports that a known one is missing.
     const std::vector<std::string> unknown = app.remaining(true);
     const QString reason =
         unknown.empty()

@@ -75,7 +75,7 @@ std::string entries(const CLI::App& command)
     }
     for (const CLI::Option* option : optionsOf(command)) {
         if (option == command.get_help_ptr() && command.get_parent() != nullptr) {
-            continue; // said once
+            continue; // listed once, for the program itself
         }
         const std::string value = valueName(*option);
         result += ".TP\n" + bold(format.make_option_name(option, false)) +

@@ -112,7 +112,7 @@ QString reasonOf(const Alignment& alignment)
 /// A share of outliers that little above the assumed one does no harm.
 constexpr double kNotWorthSaying = 0.02;
 
-/// Says what a person should know before using the result.
+/// Prints remarks that the user should read before using the result.
 void warn(const AlignRequest& request, const Alignment& alignment)
 {
     if (alignment.degeneracy != Degeneracy::None) {

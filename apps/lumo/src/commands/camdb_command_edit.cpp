@@ -57,7 +57,8 @@ ExitCode add(const QString& image, bool overwrite, const CommonOptions& options)
     CameraModelFromDB held;
     const bool known = database.findCameraModel(name, QString(), true, held, false);
     const CameraModelFromDB model(camera, QString());
-    // What is known may have been measured; of an image only its bands are news.
+    // A known camera may have been measured, which is better than metadata. Without
+    // --overwrite an image therefore only adds its bands.
     if (known && (overwrite ? held.equal(model) : !held.addBands(camera.bands))) {
         return failed(
             image,
@@ -97,7 +98,7 @@ ExitCode remove(const QString& name, const QString& serialNumber, const CommonOp
                    : failed(name, QStringLiteral("could not be saved"), options);
     }
     if (serialNumber.isEmpty() && database.userData().mappings.contains(name)) {
-        // That an identifier stands for itself needs no mapping.
+        // An identifier that is a camera's name needs no mapping to it.
         return database.setMapping(name, name, true)
                    ? AllDone
                    : failed(name, QStringLiteral("could not be saved"), options);

@@ -199,7 +199,7 @@ QString toText(const RigModel& rig, CameraSource source)
            QLatin1Char('\n') + formatTable(cameras);
 }
 
-/// What identifiers of images stand for, the user's over the shipped ones.
+/// The cameras of mapped identifiers; the user's mappings override the shipped ones.
 std::map<QString, std::pair<QString, CameraSource>> allMappings(const CameraModelDb& database)
 {
     std::map<QString, std::pair<QString, CameraSource>> mappings;

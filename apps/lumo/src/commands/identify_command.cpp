@@ -22,7 +22,7 @@ QString sourceText(const ImageIdentification& found)
     return found.source ? text::toString(*found.source) : QStringLiteral("none");
 }
 
-/// The EXIF focal length; a model's own where the image says none.
+/// The EXIF focal length; the model's own if the image has none.
 double focalLengthMm(const ExifInfo& exif, const ImageIdentification& found)
 {
     return exif.focalLengthMm > 0.0 ? exif.focalLengthMm

@@ -151,7 +151,7 @@ ExitCode run(ParamConverter& converter, const Job& job, const CommonOptions& opt
     if (!job.backup.isEmpty() && !backUp(job.file, job.backup, error)) {
         return failed(job.file, error, options);
     }
-    converter.skipBackup(); // it has been made, read back and compared
+    converter.skipBackup(); // backUp() has made, read back and compared it
     if (!converter.convert(job.output, error)) {
         return failed(job.file, error, options);
     }
@@ -171,7 +171,8 @@ ExitCode run(ParamConverter& converter, const Job& job, const CommonOptions& opt
     return AllDone;
 }
 
-/// A file that is of the target version is wanted at its output place, too.
+/// Handles a file that has the target version already. It is copied to the output, so
+/// that a batch leaves all files there.
 ExitCode nothingToDo(const Job& job, const ConvertRequest& request, const CommonOptions& options)
 {
     const bool copied = !request.dryRun && !isSameFile(job.file, job.output);

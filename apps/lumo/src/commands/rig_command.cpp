@@ -18,7 +18,7 @@
 namespace lumo::program {
 namespace {
 
-/// One capture and what was found of it.
+/// One capture and its identification.
 struct Row
 {
     const Capture& capture;
@@ -103,7 +103,8 @@ QJsonObject toMatrixJson(const Row& row)
         {"cameras", cameras}};
 }
 
-/// Captures of cameras that no rig has are counted only.
+/// Prints one block of rows per capture. Captures of cameras that no rig has are only
+/// counted: in a mixed folder they would bury the others.
 void printTable(const std::vector<Row>& rows)
 {
     const QString sameCapture = QStringLiteral(" ");
@@ -164,7 +165,7 @@ QString bodyText(const Capture& capture)
     return serialNumbers.join(QLatin1Char('+'));
 }
 
-/// Says which rigs the images show several bodies of.
+/// Prints the bodies of each rig of which the images show several.
 void printBodies(const std::vector<Row>& rows)
 {
     std::map<QString, std::map<QString, int>> bodies;
@@ -200,9 +201,9 @@ void print(const std::vector<Row>& rows, bool matrix, bool json)
     }
 }
 
-/// Says each capture that a rig should have fitted; the others were taken by
-/// cameras that no rig has.
-/// \returns whether there was none
+/// Prints a failure for each capture that has cameras of a rig but does not fit it. The
+/// other captures were taken by cameras that no rig has, which is no failure.
+/// \returns whether there was no failure
 bool sayMismatches(const std::vector<Row>& rows)
 {
     bool none = true;

@@ -20,7 +20,7 @@
 namespace lumo::program {
 namespace {
 
-/// What the images say of one device.
+/// The images' data about one device.
 struct Device
 {
     ProjectInfoForSequoiaDevice info;
@@ -99,7 +99,7 @@ QString calibrationText(const Device& device)
     return device.calibrationMissing ? QStringLiteral("missing") : device.calibrationFile;
 }
 
-/// A row a directory; the device stands in its first one.
+/// One row for each directory; only the first row of a device names the device.
 QString table(const Devices& devices)
 {
     std::vector<QStringList> rows{
@@ -140,7 +140,7 @@ bool hasDebugLines(const InputImage& image)
            image.exif().fileHeight == sequoia::kRawHeight;
 }
 
-/// Writes a cut copy of each raw image; what fails is said, and the rest goes on.
+/// Writes a cut copy of each raw image. Prints failures and goes on with the rest.
 ExitCode writeCutCopies(
     const std::vector<InputImage>& images, const QString& folder, const CommonOptions& options)
 {

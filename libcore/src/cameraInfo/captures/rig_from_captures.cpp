@@ -61,7 +61,7 @@ RigModel makeRig(const Capture& capture, const rig_filter_t& filter)
     return rig;
 }
 
-/// Whether the matcher cannot tell two cameras apart: they have the same
+/// Whether the matcher cannot distinguish two cameras: they have the same
 /// properties, or the same detection string, which it refuses whatever else differs.
 bool ambiguous(const rig_filter_t& filter)
 {

@@ -18,7 +18,7 @@ namespace {
 /// The rigs of a store, which own them.
 using Rigs = std::vector<const RigModel*>;
 
-/// One that is not valid, which no file gives, is never met.
+/// Only valid rigs: an application may have set others, which no file contains.
 Rigs rigsOf(const CameraModelDb& database)
 {
     Rigs rigs;
@@ -76,8 +76,8 @@ QStringList cameraNames(const RigModel& rig)
     return names;
 }
 
-/// What a capture is for rigs whose cameras are told apart by their order, which
-/// list no detection strings.
+/// Changes a capture's filter for rigs whose cameras are distinguished by their order;
+/// these rigs list no detection strings.
 rig_filter_t inOrder(rig_filter_t filter)
 {
     filter.detection = RigCameraDetection::ByCameraOrder;
@@ -89,7 +89,7 @@ rig_filter_t inOrder(rig_filter_t filter)
 RigIdentification explain(
     const CameraModelDb& database, const rig_filter_t& filter, const QStringList& files)
 {
-    constexpr std::size_t kMost = 3;
+    constexpr std::size_t kMost = 3; // more reasons would hide the useful ones
     const rig_filter_t ordered = inOrder(filter);
     std::vector<std::pair<const RigModel*, RigMismatch>> mismatches;
     for (const RigModel* rig : rigsOf(database)) {
@@ -120,8 +120,8 @@ RigIdentification explain(
     return result;
 }
 
-/// The best rig for a capture: of those told apart by detection strings, or if it
-/// has the higher score, of those told apart by order.
+/// The best rig for a capture. A rig by camera order must score higher than all rigs by
+/// detection string.
 /// \param[out] rig  untouched if none fits
 rigdb::RigDBMatch findBest(const CameraModelDb& database, const rig_filter_t& filter, RigModel& rig)
 {
@@ -145,6 +145,7 @@ RigIdentification identifyRig(
 {
     RigModel rig;
     rigdb::RigDBMatch match{-1, {}, false};
+    // A single image would fit the first camera of many rigs.
     if (capture.images.size() > 1) {
         match = findBest(database, filter, rig);
     }
@@ -200,6 +201,7 @@ std::vector<RigIdentification> identifyRigs(
             continue;
         }
         results.push_back(identifyRig(capture, filter, database));
+        // Reasons of a mismatch name the files, so they cannot be reused.
         if (results.back().fits) {
             found.emplace_back(filter, results.back());
         }

@@ -139,7 +139,8 @@ RigMismatch explainOrder(
         }
     }
     result.missing = static_cast<std::size_t>(missing.size());
-    // The last cameras may be missing, so that alone is only said of a single image.
+    // The filter may have fewer cameras than the rig. Missing cameras alone are therefore a
+    // reason only for a single image, which is never matched.
     if (reasons.isEmpty()) {
         reasons.append(noImageOf(missing));
     }

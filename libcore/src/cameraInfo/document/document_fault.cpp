@@ -32,7 +32,7 @@ public:
         }
     }
 
-    /// A count, which the format holds in 32 bits.
+    /// Checks a count, which the format stores in 32 bits.
     void count(const char* field, std::size_t count)
     {
         constexpr std::size_t kMax = std::numeric_limits<std::uint32_t>::max();

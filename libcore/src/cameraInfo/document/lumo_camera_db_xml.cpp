@@ -43,7 +43,7 @@ CameraSource sourceInDatabase(CameraSource source, bool userDatabase)
     return kept ? source : CameraSource::UserDatabase;
 }
 
-/// Notes that the tables do not hold what a record says.
+/// Notes that a record of the document is not in the tables.
 void skip(
     const QDomElement& element, const QString& name, const QString& reason, CameraDBData& data)
 {
@@ -83,7 +83,7 @@ void readRigs(const QDomElement& rigs, std::size_t version, CameraDBData& data)
     });
 }
 
-/// Holds the camera in place of the one of its name and serial number.
+/// Stores the camera, in place of one of the same name and serial number.
 /// \returns whether there was one
 bool putBody(CameraModelFromDB&& camera, CameraDBData& data)
 {

@@ -51,7 +51,7 @@ rig_relatives_t readRelatives(const QDomElement& element)
     return relatives;
 }
 
-/// What a rig says once for all of its cameras.
+/// The values that a rig element has once for all of its cameras.
 struct Common
 {
     QString exifString;

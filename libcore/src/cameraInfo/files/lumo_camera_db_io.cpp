@@ -46,7 +46,7 @@ bool mayChange(const CameraModelDb& database, QString& error)
     return database.editingAllowed();
 }
 
-/// Puts the current form of an older document in its place.
+/// Replaces an older document by its current form.
 bool bringUpToDate(const QString& file, QDomDocument& document, QString& error)
 {
     const QTemporaryDir folder;
@@ -84,6 +84,7 @@ bool readDatabase(
     const QString& file, bool userDatabase, TextFileIO& io, QDomDocument& document,
     std::size_t& version, QString& error)
 {
+
     if (!io.readFile(file, !userDatabase, error)) {
         return false;
     }
@@ -128,6 +129,7 @@ bool CameraDbIo::loadXMLPrivate(
         error = file + QStringLiteral(": was changed since it was generated");
         return false;
     }
+    // The hash is checked first: it belongs to the text as generated.
     if (version < cameradb::kCurrentVersion && !bringUpToDate(file, document, error)) {
         return false;
     }
@@ -218,6 +220,7 @@ bool CameraDbIo::loadAndSaveInternalTextDB(const QString& textFile, QString& err
         !exportXML(settings.internalDBFileName(cameradb::kCurrentVersion), true, hash, error)) {
         return false;
     }
+    // Without a hash the file of an empty database is rewritten at the next start.
     if (!m_database.internalData().cameras.empty()) {
         settings.appSettings->setValue(settings.appSettingsPathHash(), hash);
         if (textFile.isEmpty()) {

@@ -18,7 +18,7 @@
 namespace lumo {
 namespace {
 
-/// What tells one shipped database from another.
+/// Identifies a shipped database.
 QString shippedFingerprint()
 {
     QFile shipped(cameradb::shippedTextDBPath());

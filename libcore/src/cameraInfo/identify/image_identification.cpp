@@ -82,11 +82,11 @@ void addClaims(
     }
 }
 
-/// Takes the first claim that was not thrown out, and holds the others against it.
-/// \returns  nothing if all were thrown out
+/// Takes the first claim that was not refused, and compares the others with it.
+/// \returns  null if all were refused
 const PixelSizeClaim* judge(std::vector<PixelSizeClaim>& claims)
 {
-    constexpr double kAgree = 0.05;
+    constexpr double kAgree = 0.05; // rounded EXIF values reach a few per cent
     const PixelSizeClaim* taken = nullptr;
     for (PixelSizeClaim& claim : claims) {
         if (!claim.doubt.isEmpty()) {
@@ -104,8 +104,8 @@ const PixelSizeClaim* judge(std::vector<PixelSizeClaim>& claims)
     return taken;
 }
 
-/// The table of sensor sizes knows one camera of a name; where there are several it
-/// may be another one.
+/// Refuses the table of sensor sizes: it lists one camera of a name, and where several
+/// cameras share the name it may list another one than the image's.
 void doubtTable(std::vector<PixelSizeClaim>& claims)
 {
     for (PixelSizeClaim& claim : claims) {
@@ -116,7 +116,7 @@ void doubtTable(std::vector<PixelSizeClaim>& claims)
     }
 }
 
-/// Makes the camera of the metadata and the pixel size that was taken.
+/// Makes the camera from the metadata and the pixel size that was taken.
 void takeFromMetadata(
     const ExifInfo& exif, const CameraModelDb& database, double pixelSize,
     ImageIdentification& result)
@@ -135,7 +135,7 @@ void takeFromMetadata(
 QStringList findDisagreements(
     const ExifInfo& exif, const std::vector<PixelSizeClaim>& claims, const PixelSizeClaim& taken)
 {
-    constexpr double kZoomed = 1.01;
+    constexpr double kZoomed = 1.01; // cameras write 1 as a fraction that may be rounded
     QStringList result;
     for (const PixelSizeClaim& claim : claims) {
         if (claim.verdict == ClaimVerdict::Disagrees) {
@@ -154,7 +154,8 @@ QStringList findDisagreements(
     return result;
 }
 
-/// Vignetting is a polynomial in pixels.
+/// Vignetting is a polynomial in pixels: with pixels that are `scale` times as large,
+/// the term of x^i y^j grows by scale^(i+j).
 void scaleVignetting(double scale, CameraParams& params)
 {
     for (auto& [fNumber, model] : params.vignetting) {
@@ -168,7 +169,7 @@ void scaleVignetting(double scale, CameraParams& params)
     }
 }
 
-/// Brings a camera to the size in the file. What is Unknown is left as it is.
+/// Adapts a camera to the size in the file. Leaves it unchanged if the mode is Unknown.
 void fitToFile(const SizeChange& change, PictureSize file, CameraParams& params)
 {
     if (change.turned) {
@@ -176,6 +177,7 @@ void fitToFile(const SizeChange& change, PictureSize file, CameraParams& params)
     }
     if (change.mode == ImageMode::Resized) {
         params.pixelSize *= change.scale;
+        // The shutter takes the same time for fewer lines.
         params.lineReadoutTime *= change.scale;
         for (double* term :
              {&params.fisheye.c, &params.fisheye.d, &params.fisheye.e, &params.fisheye.f}) {
@@ -183,6 +185,7 @@ void fitToFile(const SizeChange& change, PictureSize file, CameraParams& params)
         }
         scaleVignetting(change.scale, params);
     } else if (change.mode == ImageMode::Cropped) {
+        // Files do not record where a crop was taken; cameras crop around the centre.
         const auto cut = [](std::size_t before, std::size_t after) {
             return 0.5 * (static_cast<double>(before) - static_cast<double>(after));
         };
@@ -200,7 +203,8 @@ void fitToFile(const SizeChange& change, PictureSize file, CameraParams& params)
     }
 }
 
-/// What the file did to the recorded picture goes before what the camera did.
+/// Sets the mode. A change between recorded picture and file is reported first, because
+/// it hides what the camera did.
 void setMode(
     const SizeChange& change, const RecordedMode& recorded, bool sizeStated,
     ImageIdentification& result)

@@ -21,7 +21,7 @@ void addModes(
 {
     const QString* last = nullptr;
     for (const auto& [name, model] : cameras) {
-        // Entries of several bodies stand beside each other.
+        // Entries of several bodies are neighbours in the table.
         if ((last != nullptr && *last == name) || hidden.contains(name)) {
             continue;
         }

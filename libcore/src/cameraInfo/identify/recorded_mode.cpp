@@ -7,8 +7,12 @@
 namespace lumo {
 namespace {
 
+// All tolerances are shares of the compared value.
+/// Modes of one camera may leave out a few columns at the sensor's border.
 constexpr double kSameSensor = 0.03;
+/// Pixel sizes in the database have few digits, and binning drops odd columns.
 constexpr double kWholeNumber = 0.02;
+/// 35 mm equivalents are rounded to whole mm: up to 15 % at 4 mm.
 constexpr double kSupported = 0.15;
 
 bool near(double a, double b, double tolerance)
@@ -128,6 +132,8 @@ RecordedMode scaledFrom(
             QStringLiteral("1/%1 of %2: scaled or binned").arg(wholeFactor(scale)).arg(full.name),
             {}};
     }
+    // A camera may crop the sensor and scale the crop up to the same proportions. Only
+    // independent evidence of the pixel size can distinguish this from plain scaling.
     const bool asScaled = supports(evidence, scaled);
     const bool asCrop = supports(evidence, full.pixelSize);
     if (asScaled != asCrop) {

@@ -8,7 +8,9 @@
 namespace lumo {
 namespace {
 
+/// Scaled sides are rounded to whole pixels or to small multiples of pixels.
 constexpr double kSameProportions = 0.01;
+/// At 50 pixels one pixel is 2 %: shorter sides fit almost any proportions.
 constexpr std::size_t kTellingSide = 50;
 
 bool isPortrait(PictureSize size)

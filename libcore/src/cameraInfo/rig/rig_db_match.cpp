@@ -59,7 +59,7 @@ std::optional<std::vector<std::size_t>> bestFreeOrder(const Signatures& signatur
     return bestAssignment(problem);
 }
 
-/// A non-match if a pair is impossible.
+/// The match of a given assignment; noMatch() if one of its pairs is impossible.
 RigDBMatch scored(const Signatures& signatures, const std::vector<std::size_t>& assignment)
 {
     RigDBMatch match{0, assignment, false};
@@ -81,6 +81,7 @@ bool operator<(const RigDBMatch& a, const RigDBMatch& b)
     if (a.score != b.score) {
         return a.score < b.score;
     }
+    // Only numbers that both assign are compared, else the longer one would be ahead.
     const std::size_t shorter = std::min(a.assignment.size(), b.assignment.size());
     const std::size_t ownNumberA = fixedPoints(a, shorter);
     const std::size_t ownNumberB = fixedPoints(b, shorter);
@@ -109,6 +110,7 @@ RigDBMatch matchRigDB(const RigModel& rig, const rig_filter_t& filter, bool fixe
     }
     const Signatures signatures = signaturesOf(rig, filter);
     const bool byString = filter.detection == RigCameraDetection::ByDetectionString;
+    // Cameras with one detection string cannot be distinguished by it.
     if (byString &&
         (repeatedDetectionString(signatures.filter) || repeatedDetectionString(signatures.rig))) {
         return noMatch();

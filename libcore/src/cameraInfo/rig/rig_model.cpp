@@ -8,7 +8,7 @@
 namespace lumo {
 namespace {
 
-/// Whether `holds` is true of the attributes of every enabled camera.
+/// Whether `holds` is true for the attributes of every enabled camera.
 template <typename Predicate>
 bool allEnabled(const RigModel& rig, Predicate holds)
 {

@@ -8,7 +8,7 @@
 namespace lumo {
 namespace {
 
-/// A filter for the rig's cameras, of which `describe` tells what is known.
+/// A filter for the rig's cameras; `describe` makes the filter of each camera.
 template <typename Describe>
 rig_filter_t filterOf(const RigModel& rig, Describe describe)
 {

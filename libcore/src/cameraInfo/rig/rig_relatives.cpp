@@ -60,7 +60,8 @@ RotationMatrix rig_relatives_t::rotationMatrix() const
 
 void rig_relatives_t::setRotation(const RotationMatrix& rotation)
 {
-    // The transpose holds the angles that setOmegaPhiKappaRelative was given.
+    // setOmegaPhiKappaRelative() and eulerAnglesAsDegree() use opposite directions, so the
+    // transpose gives back the angles that were set.
     const Eigen::Vector3d angles = rotation.transpose().eulerAnglesAsDegree();
     rotX = withoutMinus180(angles.x());
     rotY = angles.y();

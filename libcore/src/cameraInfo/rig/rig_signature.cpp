@@ -7,6 +7,8 @@
 namespace lumo::rigdb {
 namespace {
 
+/// A serial number names one body. With this bonus it outweighs the three other
+/// properties together.
 constexpr int kSerialNumberBonus = 3;
 
 } // namespace
@@ -45,7 +47,7 @@ int SignatureMaker::numberOf(const bands_t& bands)
 
 Signatures signaturesOf(const RigModel& rig, const rig_filter_t& filter)
 {
-    SignatureMaker makeSignature;
+    SignatureMaker makeSignature; // one for both sides: its numbers must be comparable
     Signatures signatures;
     for (const rig_camera_filter_t& camera : filter.cameras) {
         signatures.filter.push_back(makeSignature(camera));

@@ -15,7 +15,7 @@
 namespace lumo {
 namespace {
 
-/// What table of sensor sizes and identifier call a camera, without lens and size.
+/// The model part of a camera's identifier, which the table of sensor sizes lists.
 QString modelKey(const CameraModelFromDB& model)
 {
     return exifIdKey(model.identifier()).toLower();
@@ -23,11 +23,12 @@ QString modelKey(const CameraModelFromDB& model)
 
 enum class InTable { No, Fits, Differs };
 
-/// Compares a camera's sensor with that of the table; `text` says how it differs.
-/// A crop shortens one side of the image and leaves the other: it fits.
+/// Compares a camera's sensor with the table's. A crop fits: it shortens one side of the
+/// image only.
+/// \param[out] text  on Differs the difference, in words
 InTable compareWithTable(const CameraModelFromDB& model, QString& text)
 {
-    constexpr double kDoubtful = 0.05;
+    constexpr double kDoubtful = 0.05; // published sizes are rounded
     const CameraParams& params = model.params;
     const auto sensor = exif::findSensorSize(modelKey(model)); // identifiers carry no maker
     if (!sensor) {
@@ -56,8 +57,8 @@ InTable compareWithTable(const CameraModelFromDB& model, QString& text)
     return InTable::Differs;
 }
 
-/// Of a product with several cameras the table knows one: where the database has
-/// that one too, the doubt about another names it.
+/// Adds doubts about sensors. The table lists one camera of a product with several; if
+/// the database has this camera too, the doubt about another one names it.
 void checkSensors(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
 {
     std::map<QString, QString> cameraOfTable;
@@ -83,9 +84,9 @@ void checkSensors(const CameraModelDb& database, std::vector<DatabaseFinding>& f
 /// Why the numbers of a camera cannot be right; empty if they can.
 QString numberFault(const CameraModelFromDB& model)
 {
-    constexpr double kSmallestSideMm = 0.5;
-    constexpr double kLargestSideMm = 120.0; // aerial frame cameras reach 105 mm
-    constexpr double kLongestReadoutMs = 1000.0;
+    constexpr double kSmallestSideMm = 0.5;      // smaller than any thermal core
+    constexpr double kLargestSideMm = 120.0;     // aerial frame cameras reach 105 mm
+    constexpr double kLongestReadoutMs = 1000.0; // a second would mean a wrong unit
     const CameraParams& params = model.params;
     QString error;
     if (!params.valid(error, true)) {
@@ -111,7 +112,8 @@ QString numberFault(const CameraModelFromDB& model)
     return {};
 }
 
-/// The bands whose centre is known lie between ultraviolet and thermal infrared.
+/// Why a band's centre cannot be right; empty if all can. Known centres (not 0) must be
+/// between ultraviolet and thermal infrared.
 QString bandFault(const CameraModelFromDB& model)
 {
     constexpr double kShortestNm = 300.0;
@@ -131,6 +133,7 @@ QString bandFault(const CameraModelFromDB& model)
 
 void checkIdentifiers(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
 {
+    // Entries of several bodies share name and identifier; only different names clash.
     std::map<QString, QString> ownerOf;
     for (const auto& [name, model] : database.internalData().cameras) {
         const QString& identifier = model.identifier();
@@ -178,7 +181,7 @@ void checkRigs(const CameraModelDb& database, std::vector<DatabaseFinding>& find
 {
     for (const auto& [name, rig] : database.internalData().rigs) {
         rig_filter_t filter = rig.makeRigFilter(true);
-        filter.name.clear();
+        filter.name.clear(); // a rig that is named in the filter is preferred
         RigModel found;
         if (!database.findBestRigModel(filter, found)) {
             findings.push_back(

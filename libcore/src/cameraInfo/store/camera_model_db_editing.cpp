@@ -18,6 +18,7 @@ std::pair<CameraModelFromDB*, bool> storeUserEntry(Table& table, const CameraMod
         return {&table.emplace(model.params.name, model)->second, true};
     }
     CameraModelFromDB& held = entry->second;
+    // equal() ignores the source, so a change of the source alone is copied here.
     if (held.equal(model)) {
         const bool changed = held.params.source != model.params.source;
         held.params.source = model.params.source;
@@ -27,7 +28,9 @@ std::pair<CameraModelFromDB*, bool> storeUserEntry(Table& table, const CameraMod
     return {&held, true};
 }
 
-/// The source of a user entry says whether it overrides an internal one.
+/// Sets the source of a user entry, which depends on whether it overrides an internal
+/// one.
+/// \returns whether the source changed
 bool setUserSource(CameraModelFromDB& entry, bool overrides)
 {
     const CameraSource before = entry.params.source;
@@ -50,6 +53,7 @@ bool CameraModelDb::setCameraModel(const CameraModelFromDB& model, bool save)
     const auto internal = cameratable::findExact(m_internal.cameras, name, model.serialNumber);
     bool changed = false;
     if (internal != m_internal.cameras.end() && internal->second.equal(model)) {
+        // A user entry equal to the internal one would hide later corrections of that.
         const auto own = cameratable::findExact(m_user.cameras, name, model.serialNumber);
         if (own == m_user.cameras.end()) {
             return false;
@@ -91,6 +95,7 @@ bool CameraModelDb::removeCameraModel(const QString& name, const QString& serial
     const QString removed = name;
     const bool shipped = containsCameraModel(name, serialNumber, true, false);
     m_user.cameras.erase(own);
+    // Mappings to a name without a model would lead nowhere.
     if (!shipped) {
         std::erase_if(
             m_user.mappings, [&removed](const auto& mapping) { return mapping.second == removed; });

@@ -12,7 +12,8 @@ namespace {
 
 using cameratable::Table;
 
-/// Whether the shipped entry fits the asked-for body better than the user's.
+/// Whether the internal entry fits the requested body better than the user's: it has the
+/// body's serial number, or it is generic where the user's belongs to another body.
 bool internalPreferred(
     const CameraModelFromDB& internal, const CameraModelFromDB& user, const QString& serialNumber)
 {
@@ -48,6 +49,7 @@ StoredCameraModel CameraModelDb::storedCameraModel(
     if (cameratable::find(m_internal.cameras, name, serialNumber, false) != nullptr) {
         return {user, CameraSource::EditedDatabase};
     }
+    // Only a name that the internal tables lack can come from the metadata alone.
     const bool fromExif = user->params.source == CameraSource::Exif;
     return {user, fromExif ? CameraSource::Exif : CameraSource::UserDatabase};
 }
@@ -89,11 +91,11 @@ bool CameraModelDb::findCameraModel(
 bool CameraModelDb::containsCameraModel(
     const QString& name, const QString& serialNumber, bool inInternal, bool inUser) const
 {
-    const auto holds = [&](const Table& table) {
+    const auto contains = [&](const Table& table) {
         return cameratable::findExact(table, name, serialNumber) != table.end();
     };
     return !name.isEmpty() &&
-           ((inUser && holds(m_user.cameras)) || (inInternal && holds(m_internal.cameras)));
+           ((inUser && contains(m_user.cameras)) || (inInternal && contains(m_internal.cameras)));
 }
 
 QString CameraModelDb::mappedName(const QString& exifId, bool internalOnly) const
@@ -111,6 +113,7 @@ QString CameraModelDb::exifId2cameraName(const QString& exifId, bool internalOnl
         return (!internalOnly && m_user.cameras.contains(name)) ||
                m_internal.cameras.contains(name);
     };
+    // A mapping may lead to a model of another database; it then has no effect.
     QString mapped = mappedName(exifId, internalOnly);
     if (!mapped.isEmpty() && known(mapped)) {
         return mapped;
@@ -144,6 +147,7 @@ void CameraModelDb::cameraNames(
             }
         }
     };
+    // A user's entry that does not fit the image still hides the internal one it replaces.
     collect(m_internal.cameras, &m_user.cameras);
     collect(m_user.cameras, nullptr);
     names.assign(found.begin(), found.end());

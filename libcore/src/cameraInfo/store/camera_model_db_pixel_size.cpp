@@ -20,7 +20,7 @@ struct WantedCamera
     std::int64_t height = 0;
 };
 
-/// Nothing if the identifier tells no image size.
+/// Nothing if the identifier has no image size.
 std::optional<WantedCamera> parseIdentifier(const QString& exifId)
 {
     const std::optional<ExifIdParts> parts = exifIdParts(exifId);
@@ -30,6 +30,7 @@ std::optional<WantedCamera> parseIdentifier(const QString& exifId)
     return WantedCamera{parts->key, parts->width, parts->height};
 }
 
+// Signed 64 bits: differences may be negative, and areas exceed 32 bits.
 std::int64_t widthOf(const CameraModelFromDB& model)
 {
     return static_cast<std::int64_t>(model.params.imageWidth);
@@ -89,6 +90,7 @@ const CameraModelFromDB* findCandidate(
 
 double scaledPixelSize(const CameraParams& stored, const WantedCamera& wanted)
 {
+    // A portrait image is compared with the stored size turned.
     const bool sameOrientation =
         (stored.imageWidth >= stored.imageHeight) == (wanted.width >= wanted.height);
     const auto width = static_cast<double>(sameOrientation ? wanted.width : wanted.height);

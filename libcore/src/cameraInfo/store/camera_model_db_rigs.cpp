@@ -150,6 +150,7 @@ bool CameraModelDb::setRigModel(const RigModel& rig, bool save)
     }
     const RigModel* internal = find(m_internal.rigs, rig.name);
     if (internal != nullptr && internal->equal(rig)) {
+        // A user's rig equal to the internal one would hide later corrections of that.
         if (m_user.rigs.erase(rig.name) == 0) {
             return false;
         }

@@ -15,7 +15,8 @@ CameraSource sourceOf(const StoredCameraModel& stored, bool fromExif)
                                                                    : stored.source;
 }
 
-/// The source by the camera's own name; nothing if its entries do not hold it.
+/// The source by the camera's own name; nothing if no entry of this name has the
+/// camera's values.
 std::optional<CameraSource> sourceByName(
     const CameraModelDb& db, const CameraData& camera, bool fromExif)
 {
@@ -52,6 +53,7 @@ bool sameAsExif(const CameraData& camera, const ExifInfo& exif)
 
 CameraSource CameraModelDb::calcCameraSource(const CameraData& camera, const ExifInfo& exif) const
 {
+    // The name decides first: two models may have equal values.
     const bool fromExif = sameAsExif(camera, exif);
     if (const auto source = sourceByName(*this, camera, fromExif)) {
         return *source;

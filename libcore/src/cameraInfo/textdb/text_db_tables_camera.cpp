@@ -104,7 +104,7 @@ std::vector<Column<Model>> fisheyeColumns()
     };
 }
 
-/// The columns that tell which camera a row belongs to.
+/// Appends the columns that identify a row's camera.
 template <typename Row>
 std::vector<Column<Row>> ownerColumns()
 {

@@ -27,7 +27,7 @@ constexpr SizeTag kSizeTags[] = {
     {"principalPointYmm", &CameraParams::principalPointYMm},
 };
 
-// What a file says of the shutter.
+// The shutter's numbers in files.
 constexpr int kGlobalCode = 1;
 constexpr int kRollingCode = 2;
 constexpr int kVelocityCode = 4;

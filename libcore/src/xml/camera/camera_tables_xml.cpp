@@ -35,7 +35,7 @@ void warnOfBadCoefficient(const QDomElement& element, const QString& coefficient
     }
 }
 
-/// Only the number of rows is stored beside the coefficients, which stand column
+/// Only the number of rows is stored beside the coefficients, which are written column
 /// by column.
 VignettingData readModel(const QDomElement& element)
 {
@@ -62,7 +62,7 @@ void writePixelValues(
 {
     for (const auto& [type, range] : pixelValues) {
         if (type == DataType::Unknown) {
-            continue; // reading could not tell what it is of
+            continue; // reading could not assign it to a type
         }
         writer.writeStartElement(QStringLiteral("pixelValue"));
         xml::writeValue(writer, "pixelType", text::toString(type));

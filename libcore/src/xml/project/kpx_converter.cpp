@@ -84,7 +84,7 @@ QString ParamConverter::Impl::backupFile() const
         return backupPath;
     }
     const int extensionLength = std::min(4, file::filename(inputFile).size()); // ".kpx"
-    // What the file says must not name another folder.
+    // The version comes from the file: separators in it must not lead to another folder.
     QString project = version.project;
     project.replace(QLatin1Char('/'), QLatin1Char('_'))
         .replace(QLatin1Char('\\'), QLatin1Char('_'));
@@ -106,6 +106,7 @@ void ParamConverter::Impl::backUp() const
         log::info() << "Creating backup of the kpx file in:" << path;
     }
     QString error;
+    // An existing backup is from before an earlier conversion, so it is worth more.
     if (!file::exists(path) && !file::copy(inputFile, path, error)) {
         log::important() << error;
     }
@@ -152,7 +153,7 @@ bool ParamConverter::Impl::convert(
     if (!runSteps(document, reports, error)) {
         return false;
     }
-    // The result replaces a file that somebody needs; the steps only build it.
+    // The result may replace the user's only copy, so the program reads it once more.
     if (!xml::checkXml(document, reason)) {
         return fail(QStringLiteral("the result is not XML: ") + reason, error);
     }

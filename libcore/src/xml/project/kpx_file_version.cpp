@@ -15,7 +15,7 @@
 namespace lumo::kpx {
 namespace {
 
-// A stream reader, since a document tree of a large project takes a gigabyte.
+// Uses a stream reader: the document tree of a large project takes a gigabyte.
 
 /// Goes to the first child element of this name; false if there is none.
 bool enterFirst(QXmlStreamReader& reader, QLatin1String name)
@@ -59,7 +59,7 @@ int formatOf(const VersionTexts& texts)
     if (!texts.format) {
         return 0;
     }
-    // The stylesheets, too, take no other white space.
+    // Only XML's own white space may surround the number, as in the stylesheets.
     static const QRegularExpression number(
         QStringLiteral("\\A[ \\t\\r\\n]*[+-]?[0-9]+[ \\t\\r\\n]*\\z"));
     bool ok = false;
@@ -79,6 +79,7 @@ FileVersion ofProject(QXmlStreamReader& reader)
     if (enterFirst(reader, QLatin1String("software"))) {
         texts = readTexts(reader, QLatin1String("projectVersion"));
     }
+    // 2.1.43: the first version after the betas, which planSteps() refuses.
     return {texts.product.value_or(QStringLiteral("2.1.43")), formatOf(texts), false};
 }
 

@@ -57,6 +57,7 @@ std::vector<Step> planSteps(const FileVersion& version, int targetVersion)
     for (int from = version.format; from < targetVersion; ++from) {
         steps.push_back({false, from, labelOf(from)});
     }
+    // Released programs do not install this folder.
     if (file::exists(schemaPath(kDevelopmentVersion, false))) {
         steps.push_back({false, kDevelopmentVersion, labelOf(kDevelopmentVersion)});
     }

@@ -160,7 +160,7 @@ void OldDocument::element()
     }
 }
 
-/// The values were read before; of several elements the first holds.
+/// The values were read before; of several elements the first one counts.
 void OldDocument::origin()
 {
     const QString name = m_current.name;
@@ -321,7 +321,7 @@ void OldDocument::userObject()
     }
 }
 
-/// What the kind of project says on calibration, unless an option says otherwise.
+/// Sets the calibration that the kind of project implies, unless an option sets it.
 void OldDocument::settle()
 {
     const QString method = QStringLiteral("calibrationMethod");

@@ -15,7 +15,7 @@
 namespace lumo::kpx {
 namespace {
 
-/// Of versions before 1.2: what they say cannot be expressed any more.
+/// Elements of versions before 1.2: current projects cannot express their content.
 constexpr std::array<const char*, 6> kVeryOldTags{"sensorHeightmm",       "sensorWidthmm",
                                                   "focalLengthPixel",     "principalPointXPixel",
                                                   "principalPointYPixel", "cameraCalibrationFile"};

@@ -42,9 +42,9 @@ void convertImageChild(Element& child, Changes& changes)
     }
 }
 
-/// The height of the geoid above the ellipsoid is all that older files say of
+/// The height of the geoid above the ellipsoid is all that older files record of
 /// heights: a constant shift.
-/// \returns false if it says none
+/// \returns false if it has none
 bool convertVerticalDef(Element& definition, Changes& changes)
 {
     QString source = QStringLiteral("value");

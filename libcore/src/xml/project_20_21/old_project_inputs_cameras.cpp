@@ -66,7 +66,7 @@ void convertProcessing(Element& processing, Changes& changes)
     processing.setAttribute(QStringLiteral("mode"), current);
 }
 
-/// The first attribute says it, whatever its name, or else the text.
+/// The value is that of the first attribute, whatever its name, or else the text.
 void convertDetection(Element& detection, Changes& changes)
 {
     const QString path = QStringLiteral("rig/cameraDetection");

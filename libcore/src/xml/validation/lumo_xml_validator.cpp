@@ -46,7 +46,7 @@ QString withoutMarkup(QString text)
 
 } // namespace
 
-/// Passes what the validator has to say to the log, at level Debug. Keeps nothing.
+/// Passes the validator's messages to the log, at level Debug.
 class EmptyMessageHandler : public QAbstractMessageHandler
 {
 protected:
@@ -145,7 +145,7 @@ bool XmlValidator::Impl::load(const QString& path)
 {
     QByteArray content;
     if (!read(path, content)) {
-        schema.load(QByteArray()); // so that isValid() tells of this attempt
+        schema.load(QByteArray()); // so that isValid() reflects this attempt
         log::important() << "Failed loading the schema";
         return false;
     }

@@ -30,8 +30,8 @@ using Reader = std::unique_ptr<xmlTextReader, Releaser<&xmlFreeTextReader>>;
 /// Takes what would otherwise go to the standard error stream.
 void ignore(void* /*context*/, xmlError* /*error*/) {}
 
-/// Bytes that stand for what would make the library load something. The search
-/// sees them in UTF-8 alone, which is the encoding that the reader is told.
+/// Bytes that may make the library load something. The search finds them in UTF-8
+/// only, so the reader is set to this encoding.
 template <std::size_t N>
 bool containsOneOf(const QByteArray& text, const std::array<const char*, N>& words)
 {

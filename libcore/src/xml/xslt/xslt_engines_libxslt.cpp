@@ -37,8 +37,9 @@ using Program = Owned<xsltStylesheet, &xsltFreeStylesheet>;
 using Context = Owned<xsltTransformContext, &xsltFreeTransformContext>;
 using Security = Owned<xsltSecurityPrefs, &xsltFreeSecurityPrefs>;
 
-/// Collects what the two libraries say on this thread while it lives. Some of it
-/// goes to handlers that are global, and to the standard error stream by default.
+/// Collects the messages of libxml2 and libxslt on this thread while it lives. The
+/// libraries send some messages to global handlers, by default to the standard error
+/// stream.
 class Messages
 {
 public:
@@ -230,8 +231,8 @@ bool isHarmless(const QByteArray& document)
     if (!isUtf8 || document.contains('\0') || document.contains("<!DOCTYPE")) {
         return false;
     }
-    // An "=" for each attribute. No attribute holds a "<", so that all of an element
-    // stand before the next one, with those "=" that are in texts.
+    // Each attribute has an "=", and no attribute value contains a "<". So the number of
+    // "=" up to the next "<" is at least the number of the element's attributes.
     constexpr std::ptrdiff_t kMostAttributes = 1000;
     constexpr std::ptrdiff_t kLongestText = 1 << 20;
     const char* const end = document.constData() + document.size();
