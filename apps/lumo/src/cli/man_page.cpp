@@ -112,7 +112,7 @@ std::string manPage(const CLI::App& app, const std::string& version)
     for (const CLI::App* command : commandsOf(app)) {
         result += ".TP\n" + bold(command->get_name()) + '\n' + sentence(command->get_description());
     }
-    result += ".SH OPTIONS\nThese may stand before and behind any command.\n" + entries(app);
+    result += ".SH OPTIONS\nThese are allowed before and after any command.\n" + entries(app);
     result += ".SH COMMANDS\n" + commandSection(app, "lumo");
     result += ".SH EXIT STATUS\n" + sentence(withoutLabel(app.get_footer()));
     return result;
