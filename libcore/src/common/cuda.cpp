@@ -9,6 +9,7 @@
 namespace lumo::cuda {
 namespace {
 
+// Bytes of the buffers that the GPU library writes its texts to.
 constexpr std::size_t kNameSize = 256;
 constexpr std::size_t kReasonSize = 1024;
 

@@ -36,7 +36,8 @@ ProcessingResources::ProcessingResources()
     : m_maxCPUs(system::noLogicalCPUs())
     , m_maxRamGB(system::installedRAMGB())
 {
-    m_gpuFlags.set();
+    m_gpuFlags.set(); // bits without a device count as enabled
+    // Before the first call that opens the driver, whose messages would else be lost.
     gxcSetLoggerCallback(logGpuMessage);
     const int count = cuda::getDeviceCount();
     for (int i = 0; i < count; ++i) {
@@ -79,6 +80,7 @@ void ProcessingResources::setMaxRAMGB(int n)
     if (n < 1) {
         throw std::invalid_argument("Cannot setMaxRAMGB() smaller than 1");
     }
+    // maxRamMB() returns an int.
     constexpr int kMost = std::numeric_limits<int>::max() / kMBPerGB;
     if (n > kMost) {
         throw std::invalid_argument("Cannot setMaxRAMGB() greater than " + std::to_string(kMost));

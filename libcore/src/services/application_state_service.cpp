@@ -30,6 +30,7 @@ ApplicationStateService::~ApplicationStateService() = default;
 
 void ApplicationStateService::setState(State state)
 {
+    // One atomic step: of two threads that set the same state only one emits.
     if (m_state.exchange(state) == state) {
         return;
     }

@@ -85,6 +85,7 @@ bool checkKind(const TiffFile& tiff, const TiffDirectory& picture, QString& erro
     if (picture.next != 0 || picture.contains(SubIfds)) {
         return refuse(QStringLiteral("contains more than one picture"), error);
     }
+    // Tags of DNG that count rows of the whole picture; they would be wrong afterwards.
     for (const quint16 tag : {DefaultCropOrigin, DefaultCropSize, ActiveArea, MaskedAreas}) {
         if (picture.contains(tag)) {
             return refuse(
@@ -104,6 +105,7 @@ bool readRowSize(const TiffFile& tiff, const TiffDirectory& picture, Strips& str
     const quint32 width = tiff.number(picture, ImageWidth).value_or(0);
     const quint32 samples = tiff.number(picture, SamplesPerPixel).value_or(1);
     std::vector<quint32> bits = tiff.numbers(picture, BitsPerSample);
+    // Defaults of TIFF 6.0, section 8: one sample of one bit.
     if (bits.empty() && !picture.contains(BitsPerSample)) {
         bits.assign(1, 1);
     }
@@ -122,7 +124,7 @@ bool readRowSize(const TiffFile& tiff, const TiffDirectory& picture, Strips& str
     strips.planes = separate ? samples : 1;
     const quint64 bitsOfPixel =
         separate ? bits[0] : std::accumulate(bits.begin(), bits.end(), quint64(0));
-    strips.rowBytes = (width * bitsOfPixel + 7) / 8;
+    strips.rowBytes = (width * bitsOfPixel + 7) / 8; // each row begins at a byte
     return true;
 }
 

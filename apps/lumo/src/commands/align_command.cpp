@@ -97,7 +97,8 @@ QString reasonOf(Degeneracy degeneracy)
     return {};
 }
 
-/// The same for a result: a wrong pair among few leaves residuals that hide the shape.
+/// The reason for a result. With few pairs a wrong one cannot be found, and may make the
+/// others look as if they lie on a line.
 QString reasonOf(const Alignment& alignment)
 {
     const QString reason = reasonOf(alignment.degeneracy);
@@ -109,7 +110,7 @@ QString reasonOf(const Alignment& alignment)
                : reason;
 }
 
-/// A share of outliers that little above the assumed one does no harm.
+/// A share of outliers that is above the assumed one by this or less does no harm.
 constexpr double kNotWorthSaying = 0.02;
 
 /// Prints remarks that the user should read before using the result.
@@ -153,6 +154,7 @@ ExitCode write(const QString& path, const QByteArray& content)
 /// What is read, or written before, and would be replaced; empty if nothing is.
 QString pathGivenTwice(const AlignRequest& request)
 {
+    // Links and relative paths may give one file two names; a new file has no canonical one.
     const auto whole = [](const QString& path) {
         const QFileInfo file(path);
         return file.exists() ? file.canonicalFilePath() : file.absoluteFilePath();

@@ -54,6 +54,7 @@ bool apply(
             return false;
         }
     }
+    // Only after all numbers were checked: a refused request changes nothing.
     for (const int gpu : request.disabledGpus) {
         resources.setGpuEnabled(static_cast<std::size_t>(gpu), false);
     }

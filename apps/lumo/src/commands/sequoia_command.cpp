@@ -156,6 +156,7 @@ ExitCode writeCutCopies(
         if (serviceProgress().shouldStop()) {
             return failed(image.path(), QStringLiteral("stopped before this file"));
         }
+        // The folder is made here, so that a run without raw images leaves none behind.
         const QString target = file::join(folder, file::filename(image.path()));
         QString error;
         if (!file::mkdir(folder)) {

@@ -207,6 +207,8 @@ RecordedMode findRecordedMode(
             QStringLiteral("the metadata name the maker but no model"),
             {}};
     }
+    // Cameras crop for another aspect ratio and keep one side then. A crop of both sides
+    // could come from any of the camera's modes.
     for (const KnownMode& mode : own) {
         const SizeChange change = compareSizes(mode.size, size);
         if (change.mode == ImageMode::Cropped && change.keepsASide) {

@@ -35,7 +35,7 @@ bool CameraModelFromDB::portraitImage() const
 
 const bands_t& CameraModelFromDB::defaultBands() const
 {
-    static const bands_t none;
+    static const bands_t none; // static, because a reference is returned
     if (bandConfigs.empty()) {
         return none;
     }

@@ -18,6 +18,7 @@ bool needsQuotes(const QString& cell, bool first)
                character == kCarriageReturn;
     };
     return std::any_of(cell.begin(), cell.end(), special) ||
+           // unquoted, these begin a comment or a section
            (first && (cell.startsWith(QLatin1Char('#')) || cell.startsWith(QLatin1Char('['))));
 }
 
@@ -45,7 +46,7 @@ ReadResult Reader::next(std::vector<Cell>& row, Fault& fault)
     }
     for (;;) {
         if (!readCell(row.emplace_back(), fault)) {
-            m_position = m_text.size();
+            m_position = m_text.size(); // after a bad quote the cells' limits are unknown
             return ReadResult::Fault;
         }
         if (m_position >= m_text.size() || m_text[m_position] != kSeparator) {
@@ -96,6 +97,7 @@ bool Reader::readQuoted(Cell& cell, Fault& fault)
             if (m_position >= m_text.size() || m_text[m_position] == kSeparator || atLineEnd()) {
                 return true;
             }
+            // A doubled quote is one quote of the content; anything else ends the cell.
             if (m_text[m_position] != kQuote) {
                 fault = {place(), QStringLiteral("text behind the closing quote of a cell")};
                 return false;
@@ -128,7 +130,7 @@ void Reader::skipLineEnd()
     if (m_position >= m_text.size()) {
         return;
     }
-    m_position += m_text[m_position] == kLineFeed ? 1 : 2;
+    m_position += m_text[m_position] == kLineFeed ? 1 : 2; // LF or CRLF
     ++m_line;
     m_lineStart = m_position;
 }

@@ -24,10 +24,10 @@ QString twice(const QString& what)
     return what + QStringLiteral(" occurs twice");
 }
 
-/// The f-number times 100, by which vignetting models are held.
+/// The f-number times 100, the key of vignetting models. More decimals would be lost.
 QString vignettingKey(double fNumber, int& key)
 {
-    constexpr double kTolerance = 1e-6;
+    constexpr double kTolerance = 1e-6; // far above rounding, far below a third decimal
     const double hundredfold = fNumber * 100.0;
     const double rounded = std::round(hundredfold);
     if (std::abs(hundredfold - rounded) > kTolerance ||
@@ -56,6 +56,7 @@ QString vignettingModel(const VignettingRow& row, VignettingData& model)
     if (!reason.isEmpty()) {
         return reason;
     }
+    // string2vignetting() reads a bad number as 0, so the text was checked before.
     model = string2vignetting(row.coefficients);
     const auto count = static_cast<std::size_t>(model.coefficients.size());
     const std::size_t rows = row.rowCount == 0 ? count : row.rowCount;
@@ -157,9 +158,11 @@ QString TablesBuilder::add(CameraModelFromDB& row)
     if (!isNew) {
         return twice(cameraText(row.params.name, row.serialNumber));
     }
+    // An empty identifier means the name; two forms of one record would not be equal.
     if (row.exifId == row.params.name) {
         row.exifId.clear();
     }
+    // The columns set plain fields; the setters make dependent terms agree with the flags.
     FisheyeParams& lens = row.params.fisheye;
     lens.setP0zero(lens.p0zero);
     lens.setAffine(lens.symmetricAffine, lens.c, lens.d, lens.e, lens.f);
@@ -175,6 +178,7 @@ QString TablesBuilder::add(const BandRow& row)
         return reason;
     }
     std::vector<bands_t>& configs = camera->model->bandConfigs;
+    // The first row of a camera replaces the default RGB configuration.
     if (!camera->ownBands) {
         configs.clear();
         camera->ownBands = true;
@@ -259,6 +263,7 @@ QString TablesBuilder::add(const RigBandRow& row)
 
 bool TablesBuilder::finish(csv::Fault& fault)
 {
+    // Only complete records can be checked: bands and cameras come in later sections.
     for (const auto& [key, camera] : m_cameras) {
         QString reason;
         if (!usable(*camera.model, reason)) {

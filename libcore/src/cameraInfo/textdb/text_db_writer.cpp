@@ -15,7 +15,8 @@ namespace {
 
 using namespace textdb;
 
-/// A cell is left empty if reading makes the same of it.
+/// The text of a cell; empty if reading an empty cell gives the same value. Short rows are
+/// easier to read and compare.
 template <typename Row>
 QString cellOf(const Column<Row>& column, const Row& row, const Row& defaults)
 {
@@ -63,6 +64,7 @@ struct Rows
 
 void appendBands(const CameraModelFromDB& model, std::vector<BandRow>& rows)
 {
+    // Cameras with the default configuration need no rows: reading makes it again.
     static const std::vector<bands_t> defaults{band::makeRGBBands()};
     if (model.bandConfigs == defaults) {
         return;
@@ -128,6 +130,7 @@ Rows rowsOf(const CameraDBData& data)
     Rows rows;
     std::set<std::pair<QString, QString>> cameraKeys;
     for (const auto& [name, model] : data.cameras) {
+        // Reading refuses a whole file for one bad record, so such records are left out.
         QString unused;
         if (usable(model, unused) &&
             cameraKeys.emplace(model.params.name, model.serialNumber).second) {

@@ -103,10 +103,11 @@ void Rewriter::version()
     m_root.appendChild(element);
 }
 
-/// The later steps and the reader take rigs for such of version 17.
+/// Translates values of rigs whose meaning changed. The later steps and the reader expect
+/// the meaning of version 17.
 void Rewriter::bringRigsUpToDate()
 {
-    if (m_version == 0) {
+    if (m_version == 0) { // unknown: the meaning of the values cannot be determined
         return;
     }
     const QString exifString = QStringLiteral("exifString");
@@ -121,6 +122,7 @@ void Rewriter::bringRigsUpToDate()
         const std::size_t stored = reference.attribute(index).toUInt();
         const std::size_t meant =
             xml::referenceCameraIndex(stored, rig.attribute(QStringLiteral("name")), m_version);
+        // A number outside the rig stays as stored, for the reader to report.
         if (meant != stored && meant <= static_cast<std::size_t>(others.count())) {
             reference.setAttribute(index, static_cast<qulonglong>(meant));
         }

@@ -20,6 +20,7 @@ struct ValueRename
     const char* after;
 };
 
+/// Values of updateInternals: names, and the numbers and truth values of older versions.
 constexpr std::array<ValueRename, 8> kInternals{{
     {"none", "None"},
     {"leading", "Leading"},
@@ -120,7 +121,8 @@ void OldDocument::addOptionHandlers(std::map<QString, Handler>& handlers)
     }
 }
 
-/// Its prefixes may be used anywhere in what is kept.
+/// Keeps the namespace declarations of the root, because any kept element may use their
+/// prefixes. Drops its other attributes.
 void OldDocument::root()
 {
     Element root = rootOf(m_bytes);
@@ -138,6 +140,7 @@ void OldDocument::root()
 void OldDocument::collect()
 {
     walkElements(m_bytes, &m_changes, [this](QXmlStreamReader& reader) {
+        // write() converts the images one by one, so that memory never has more than one.
         if (m_mode == Mode::Project && reader.qualifiedName() == kImage) {
             reader.skipCurrentElement();
         } else {
@@ -154,6 +157,7 @@ void OldDocument::element()
     if (handler != m_handlers.end()) {
         handler->second();
     } else if (!m_current.children.empty()) {
+        // Dropping an unknown structure could lose data that the user entered.
         refuseComplex(m_current.name);
     } else {
         m_options.place(std::move(m_current), m_changes);

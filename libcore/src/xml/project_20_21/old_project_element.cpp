@@ -56,7 +56,8 @@ void dropText(const QString& parent, int line, Changes& changes)
     changes.dropped(parent, QStringLiteral("text beside elements is not kept"), line);
 }
 
-/// Text beside elements, and white space between them, has no place.
+/// Removes text that the result cannot contain: text beside child elements, which is
+/// reported, and white space.
 void settleText(Element& element, Changes& changes)
 {
     const bool blank = element.text.trimmed().isEmpty();
@@ -163,7 +164,7 @@ void walkElements(
     device.setData(bytes);
     device.open(QIODevice::ReadOnly);
     QXmlStreamReader reader(&device);
-    reader.setNamespaceProcessing(false);
+    reader.setNamespaceProcessing(false); // names stay as written, with their prefixes
     QString root;
     while (!reader.atEnd()) {
         reader.readNext();

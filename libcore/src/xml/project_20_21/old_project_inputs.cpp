@@ -94,6 +94,7 @@ void arrange(
             again ? QStringLiteral("it is there before") : QStringLiteral("it is not known there"),
             child.line);
     }
+    // Stable: repeated elements keep their order, and names that share a position too.
     std::stable_sort(
         kept.begin(), kept.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     parent.children.clear();

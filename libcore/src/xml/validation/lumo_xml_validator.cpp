@@ -173,6 +173,8 @@ bool XmlValidator::Impl::validate(const QByteArray& document, const QUrl& uri)
 
 bool XmlValidator::Impl::validateChecked(const QByteArray& document, const QUrl& uri)
 {
+    // The quick schema accepts most valid documents; the slow validator finds the fault of
+    // the others.
     return quick.accepts(document) || validator->validate(document, uri);
 }
 
@@ -217,6 +219,7 @@ bool XmlValidator::validateXml(QIODevice& device)
 bool XmlValidator::validateXml(const QString& xmlFile)
 {
     QByteArray document;
+    // read() runs checkXml(), so validateChecked() need not repeat it.
     return m_impl->validator && m_impl->read(xmlFile, document) &&
            m_impl->validateChecked(document, QUrl::fromLocalFile(xmlFile));
 }
