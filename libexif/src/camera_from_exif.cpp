@@ -68,10 +68,11 @@ CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm)
     camera.params.setPrincipalPointPixel(
         {0.5 * static_cast<double>(exif.imageWidth), 0.5 * static_cast<double>(exif.imageHeight)});
     camera.params.perspective.focalLengthMm = exif.focalLengthMm;
+    camera.params.lensType = exif.spherical ? LensType::Spherical : LensType::Perspective;
     camera.params.source = CameraSource::Exif;
     camera.params.lineReadoutTime = exif.lineReadoutTimeMs;
     setVignetting(exif, camera.params);
-    if (exif.calibration && pixelSizeMm > 0.0) {
+    if (exif.calibration && pixelSizeMm > 0.0 && !exif.spherical) {
         const QString refusal =
             applyCalibration(*exif.calibration, exif.focalLengthMm, camera.params);
         if (!refusal.isEmpty()) {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "exif_record.h"
 
+#include "flir_block.h"
 #include "irradiance.h"
 #include "lens_calibration_reader.h"
 #include "lumo/foundation/text.h"
+#include "maker_note.h"
 #include "sensor_calibration_reader.h"
 
 #include <QRegularExpression>
@@ -11,6 +13,7 @@
 #include <array>
 #include <cmath>
 #include <initializer_list>
+#include <utility>
 
 namespace lumo::exif {
 namespace {
@@ -19,7 +22,18 @@ constexpr double kMaxFocalLengthMm = 1e5;
 constexpr double kMaxFNumber = 1000.0;
 constexpr double kMaxSize = 1e6;
 constexpr double kMaxResolution = 1e9;
+constexpr double kMaxDiagonalMm = 100.0;
 constexpr int kMaxRigCameraIndex = 255;
+
+/// The size of an equirectangular panorama before it was scaled; 0 where it is not stated.
+struct PanoramaSize
+{
+    std::size_t width = 0; ///< of the part that was kept
+    std::size_t height = 0;
+    std::size_t fullWidth = 0; ///< of the whole sphere
+    std::size_t fullHeight = 0;
+    bool isPanorama = false;
+};
 
 QString firstText(
     const TagReader& tags, const char* key, const XmpProperties& xmp,
@@ -34,9 +48,25 @@ QString firstText(
     return text;
 }
 
+PanoramaSize panoramaSize(const XmpProperties& xmp)
+{
+    const auto side = [&xmp](const char* property) -> std::size_t {
+        bool ok = false;
+        const int pixels = text::fromString<int>(xmp.text(property), &ok);
+        return ok && pixels > 0 && pixels <= kMaxSize ? static_cast<std::size_t>(pixels) : 0;
+    };
+    if (xmp.text("GPano:ProjectionType") != QLatin1String("equirectangular")) {
+        return {};
+    }
+    return {
+        side("GPano:CroppedAreaImageWidthPixels"), side("GPano:CroppedAreaImageHeightPixels"),
+        side("GPano:FullPanoWidthPixels"), side("GPano:FullPanoHeightPixels"), true};
+}
+
 /// The EXIF size is the camera's; a file that was scaled down keeps it. One that
 /// is smaller than the pixel array describes something else (a preview).
-void setSizes(const RawMetadata& raw, const TagReader& tags, ExifInfo& exif)
+void setSizes(
+    const RawMetadata& raw, const TagReader& tags, const PanoramaSize& panorama, ExifInfo& exif)
 {
     const auto plausible = [](std::size_t side) { return static_cast<double>(side) <= kMaxSize; };
     if (plausible(raw.pixelWidth) && plausible(raw.pixelHeight)) {
@@ -45,15 +75,70 @@ void setSizes(const RawMetadata& raw, const TagReader& tags, ExifInfo& exif)
     } else {
         tags.warn(QStringLiteral("image size"), QStringLiteral("not plausible"));
     }
-    const auto width =
-        static_cast<std::size_t>(tags.positive("Exif.Photo.PixelXDimension", kMaxSize));
-    const auto height =
-        static_cast<std::size_t>(tags.positive("Exif.Photo.PixelYDimension", kMaxSize));
+    auto width = static_cast<std::size_t>(tags.positive("Exif.Photo.PixelXDimension", kMaxSize));
+    auto height = static_cast<std::size_t>(tags.positive("Exif.Photo.PixelYDimension", kMaxSize));
+    if (panorama.width * panorama.height > width * height) {
+        width = panorama.width;
+        height = panorama.height;
+    }
     const bool larger = width * height > exif.fileWidth * exif.fileHeight;
     exif.imageWidth = larger ? width : exif.fileWidth;
     exif.imageHeight = larger ? height : exif.fileHeight;
     exif.sizeStated =
         larger || (width * height > 0 && width * height == exif.fileWidth * exif.fileHeight);
+}
+
+/// Whether the picture is a panorama of the whole sphere. Of a part of one there is no lens.
+bool isSpherical(const PanoramaSize& panorama, const TagReader& tags, const ExifInfo& exif)
+{
+    if (!panorama.isPanorama) {
+        return false;
+    }
+    const auto near = [](std::size_t a, std::size_t b) {
+        return std::abs(static_cast<double>(a) - static_cast<double>(b)) <=
+               0.01 * static_cast<double>(b);
+    };
+    const bool isWhole =
+        panorama.fullWidth == 0 || panorama.width == 0 ||
+        (near(panorama.width, panorama.fullWidth) && near(panorama.height, panorama.fullHeight));
+    if (!isWhole || !near(exif.imageWidth, 2 * exif.imageHeight)) {
+        tags.warn(
+            QStringLiteral("GPano:ProjectionType"),
+            QStringLiteral("a part of a panorama, which no lens makes"));
+        return false;
+    }
+    return true;
+}
+
+/// Angles of XMP; whatever their prefix, the first in order counts.
+std::optional<FieldOfView> fieldOfView(
+    const XmpProperties& xmp, const TagReader& tags, const FlirBlock& thermal)
+{
+    constexpr double kWidestDeg = 180.0;
+    const auto angle = [&](const QString& localName) {
+        const QStringList names = xmp.namesOf(localName);
+        if (names.isEmpty()) {
+            return 0.0;
+        }
+        bool ok = false;
+        const double degrees =
+            text::fromString<double>(xmp.text(names.front().toUtf8().constData()), &ok);
+        if (!ok || !(degrees > 0.0 && degrees < kWidestDeg)) {
+            tags.warn(names.front(), QStringLiteral("no angle of a lens"));
+            return 0.0;
+        }
+        return degrees;
+    };
+    FieldOfView result{
+        angle(QStringLiteral("CameraHorizontalFOV")), angle(QStringLiteral("CameraVerticalFOV")),
+        angle(QStringLiteral("CameraDiagonalFOV"))};
+    if (result == FieldOfView{}) {
+        result.horizontalDeg = thermal.fieldOfViewDeg;
+    }
+    if (result.verticalDeg > result.horizontalDeg && result.horizontalDeg > 0.0) {
+        std::swap(result.horizontalDeg, result.verticalDeg); // of a portrait picture
+    }
+    return result == FieldOfView{} ? std::nullopt : std::optional(result);
 }
 
 /// Millimetres in a unit of FocalPlaneResolutionUnit; 0 for other numbers.
@@ -225,8 +310,23 @@ ExifInfo makeRecord(const RawMetadata& raw, const TagReader& tags, const XmpProp
     exif.focalLength35Mm = equivalentFocalLength(tags);
     exif.digitalZoom = digitalZoom(tags);
     exif.fNumber = tags.positive("Exif.Photo.FNumber", kMaxFNumber);
-    setSizes(raw, tags, exif);
+    if (exif.focalLengthMm == 0.0) {
+        exif.focalLengthMm = findCanonFocalLength(tags);
+    }
+    const PanoramaSize panorama = panoramaSize(xmp);
+    setSizes(raw, tags, panorama, exif);
+    exif.spherical = isSpherical(panorama, tags, exif);
     exif.focalPlane = focalPlane(tags);
+    exif.sensorDiagonalMm = tags.positive("Exif.Olympus.FocalPlaneDiagonal", kMaxDiagonalMm);
+    const FlirBlock thermal = readFlirBlock(raw.thermalBlock);
+    exif.fieldOfView = fieldOfView(xmp, tags, thermal);
+    exif.thermalWidth = thermal.rawWidth;
+    exif.thermalHeight = thermal.rawHeight;
+    exif.serialNumber = thermal.serialNumber;
+    if (exif.lensModel.isEmpty()) {
+        exif.lensModel = thermal.lensModel;
+    }
+    exif.software = firstText(tags, "Exif.Image.Software", xmp, {"xmp:CreatorTool"});
     exif.calibration = findLensCalibration(xmp, tags, exif);
     exif.vignetting = findVignetting(xmp, tags);
     exif.lineReadoutTimeMs = findLineReadoutTime(xmp, tags);

@@ -8,8 +8,8 @@
 
 namespace lumo::exif {
 
-/// The record of an image but for its serial number and bands, with all numbers
-/// checked.
+/// The record of an image but for its bands, with all numbers checked. The serial number is
+/// that of a thermal block alone.
 [[nodiscard]] ExifInfo makeRecord(
     const RawMetadata& raw, const TagReader& tags, const XmpProperties& xmp);
 

@@ -307,6 +307,7 @@ bool readRawMetadata(QFile& file, RawMetadata& raw, QString& error)
     if (isXmpTakenOut) {
         result.xmpPacket = bytes.xmpPacket;
     }
+    result.thermalBlock = bytes.thermalBlock;
     raw = result;
     return true;
 }

@@ -104,9 +104,9 @@ bands_t bandsOfChannels(int channels, const TagReader& tags)
 /// One number (nm) for each band; nothing if the property is missing or does
 /// not fit the bands.
 std::vector<double> bandNumbers(
-    const char* property, std::size_t bands, const XmpProperties& xmp, const TagReader& tags)
+    const QByteArray& property, std::size_t bands, const XmpProperties& xmp, const TagReader& tags)
 {
-    const QStringList texts = xmp.values(property);
+    const QStringList texts = xmp.values(property.constData());
     if (texts.isEmpty()) {
         return {};
     }
@@ -116,11 +116,11 @@ std::vector<double> bandNumbers(
         const double value = text::fromString<double>(text, &ok);
         numbers.push_back(ok && value > 0.0 && value <= kMaxWavelengthNm ? value : 0.0);
         if (numbers.back() == 0.0) {
-            tags.warn(QLatin1String(property), QStringLiteral("not a wavelength"));
+            tags.warn(QString::fromUtf8(property), QStringLiteral("not a wavelength"));
         }
     }
     if (numbers.size() != bands) {
-        tags.warn(QLatin1String(property), QStringLiteral("not one value for each band"));
+        tags.warn(QString::fromUtf8(property), QStringLiteral("not one value for each band"));
         return {};
     }
     return numbers;
@@ -139,12 +139,32 @@ void applyBandFrequency(const QString& text, band_t& band)
     }
 }
 
-bands_t namedBands(const TagReader& tags, const XmpProperties& xmp)
+/// The prefix of the property that names the bands; empty if none does. The two that most
+/// makers write go first.
+QByteArray bandPrefix(const XmpProperties& xmp)
 {
-    QStringList names = xmp.values("Camera:BandName");
-    if (names.isEmpty()) {
-        names = xmp.values("drone-dji:BandName");
+    const QString name = QStringLiteral("BandName");
+    const QStringList found = xmp.namesOf(name);
+    for (const char* usual : {"Camera", "drone-dji"}) {
+        if (found.contains(QLatin1String(usual) + QLatin1Char(':') + name)) {
+            return usual;
+        }
     }
+    return found.isEmpty() ? QByteArray() : found.front().section(QLatin1Char(':'), 0, 0).toUtf8();
+}
+
+/// The property of the prefix; of the usual one if the prefix has none.
+QByteArray bandProperty(const QByteArray& prefix, const char* name, const XmpProperties& xmp)
+{
+    const QByteArray own = prefix + ':' + name;
+    return xmp.contains(own.constData()) ? own : QByteArray("Camera:") + name;
+}
+
+bands_t namedBands(const QByteArray& prefix, const TagReader& tags, const XmpProperties& xmp)
+{
+    const QStringList names = prefix.isEmpty()
+                                  ? QStringList()
+                                  : xmp.values((prefix + QByteArray(":BandName")).constData());
     bands_t bands;
     if (names.size() > kMaxBands) {
         tags.warn(QStringLiteral("BandName"), QStringLiteral("%1 bands").arg(names.size()));
@@ -164,14 +184,17 @@ bands_t namedBands(const TagReader& tags, const XmpProperties& xmp)
 
 ImageBands findBands(const TagReader& tags, const XmpProperties& xmp, int jpegComponents)
 {
-    bands_t bands = namedBands(tags, xmp);
+    const QByteArray prefix = bandPrefix(xmp);
+    bands_t bands = namedBands(prefix, tags, xmp);
     if (bands.empty()) {
         const int channels =
             jpegComponents > 0 ? jpegChannels(tags, jpegComponents) : tiffChannels(tags);
         return {bandsOfChannels(channels, tags), false};
     }
-    const auto centres = bandNumbers("Camera:CentralWavelength", bands.size(), xmp, tags);
-    const auto widths = bandNumbers("Camera:WavelengthFWHM", bands.size(), xmp, tags);
+    const auto centres =
+        bandNumbers(bandProperty(prefix, "CentralWavelength", xmp), bands.size(), xmp, tags);
+    const auto widths =
+        bandNumbers(bandProperty(prefix, "WavelengthFWHM", xmp), bands.size(), xmp, tags);
     for (std::size_t i = 0; i < bands.size(); ++i) {
         bands[i].wavelength = centres.empty() ? 0.0 : centres[i];
         bands[i].width = widths.empty() ? 0.0 : widths[i];

@@ -3,6 +3,7 @@
 
 #include "bmff_boxes.h"
 #include "ciff_directories.h"
+#include "flir_block.h"
 #include "jpeg_segments.h"
 #include "tiff_limits.h"
 
@@ -72,12 +73,16 @@ bool prepareJpeg(QFile& file, MetadataBytes& result, QString& error)
     static const QByteArray xmpMark("http://ns.adobe.com/xap/1.0/\0", 29);
     constexpr int kMaxHeader = 1024 * 1024; // a segment has at most 64 KiB, and one is usual
     result.header = QByteArray("\xff\xd8");
+    FlirSegments thermal;
     JpegSegments segments(file);
     JpegSegment segment;
     while (segments.next(segment)) {
         const bool isApp1 = segment.type == JpegSegment::kApp1;
         if (isApp1 && segment.content.startsWith(xmpMark) && result.xmpPacket.isEmpty()) {
             result.xmpPacket = segment.content.mid(xmpMark.size());
+        }
+        if (isApp1) {
+            thermal.add(segment.content);
         }
         const bool isExif = isApp1 && segment.content.startsWith(exifMark);
         if (isExif && !limitExifSegment(segment.content, exifMark.size())) {
@@ -88,6 +93,7 @@ bool prepareJpeg(QFile& file, MetadataBytes& result, QString& error)
             result.header += segment.bytes();
         }
     }
+    result.thermalBlock = thermal.block();
     if (!segments.atPicture()) {
         result.damage = QStringLiteral("truncated or damaged before its picture");
     }

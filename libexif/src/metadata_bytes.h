@@ -23,7 +23,8 @@ struct MetadataBytes
     std::size_t size = 0;
     /// Of JPEG and TIFF files, whose packet is taken out of `data`; empty if there is none.
     QByteArray xmpPacket;
-    QString damage; ///< empty, or what is wrong with a header that was read in part
+    QByteArray thermalBlock; ///< of a JPEG file of a thermal camera, see FlirBlock
+    QString damage;          ///< empty, or what is wrong with a header that was read in part
 };
 
 /// Prepares the metadata of a file for reading.

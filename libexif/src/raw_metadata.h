@@ -24,6 +24,7 @@ struct RawMetadata
     /// Keys are those of exiv2: "Exif.<group>.<tag>".
     std::map<std::string, TagValue> tags;
     QByteArray xmpPacket;
+    QByteArray thermalBlock;    ///< see FlirBlock; empty if there is none
     std::size_t pixelWidth = 0; ///< of the main image; 0 if there is none
     std::size_t pixelHeight = 0;
     QString damage; ///< why only a part was read; empty if all was

@@ -102,7 +102,10 @@ bool readExif(const QString& path, ExifInfo& exif, QStringList& notes, QString& 
     const ImageBands found = findBands(tags, xmp, readJpegComponents(file));
     result.bands = found.bands;
     result.bandsNamed = found.named;
-    result.serialNumber = findSerialNumber(tags, xmp);
+    const QString serialNumber = findSerialNumber(tags, xmp);
+    if (!serialNumber.isEmpty()) {
+        result.serialNumber = serialNumber;
+    }
     if (result.serialNumber.isEmpty()) {
         result.serialNumber = readPhaseOneSerialNumber(file);
     }

@@ -2,6 +2,7 @@
 #include "serial_number.h"
 
 #include "exif_text.h"
+#include "maker_note.h"
 
 #include <algorithm>
 
@@ -36,6 +37,16 @@ QString withoutLabel(QString text)
     return text.startsWith(label) ? text.mid(label.size()).trimmed() : text;
 }
 
+/// CRW files: a number and one without meaning. Compact cameras have others there.
+QString ofCrw(const TagReader& tags)
+{
+    const TagValue* value = tags.find("Exif.Canon.SerialNumber");
+    const bool isCrw = value != nullptr && value->bytes.isEmpty() && value->numbers.size() == 2;
+    return isCrw && tags.text("Exif.Image.Model").contains(QLatin1String("EOS"))
+               ? QString::number(value->numbers.front(), 'f', 0)
+               : QString();
+}
+
 } // namespace
 
 QString findSerialNumber(const TagReader& tags, const XmpProperties& xmp)
@@ -44,8 +55,14 @@ QString findSerialNumber(const TagReader& tags, const XmpProperties& xmp)
     for (const char* key :
          {"Exif.Photo.BodySerialNumber", "Exif.Image.0xa431", "Exif.Image.CameraSerialNumber",
           "Exif.Canon.SerialNumber", "Exif.Nikon3.SerialNumber", "Exif.Nikon3.SerialNO",
-          "Exif.OlympusEq.SerialNumber", "Exif.Pentax.SerialNumber", "Exif.Sigma.SerialNumber"}) {
+          "Exif.OlympusEq.SerialNumber", "Exif.Olympus.SerialNumber2", "Exif.Olympus.SerialNumber1",
+          "Exif.Pentax.SerialNumber", "Exif.Sigma.SerialNumber"}) {
         const QString text = withoutLabel(textOrNumber(tags, key));
+        if (isSerialNumber(text)) {
+            return text;
+        }
+    }
+    for (const QString& text : {ofCrw(tags), findMakerNoteSerialNumber(tags)}) {
         if (isSerialNumber(text)) {
             return text;
         }

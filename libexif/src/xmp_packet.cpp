@@ -129,6 +129,18 @@ QString XmpProperties::text(const char* name) const
     return all.isEmpty() ? QString() : cleanedText(all.front());
 }
 
+QStringList XmpProperties::namesOf(const QString& localName) const
+{
+    QStringList names;
+    for (auto property = m_values.keyBegin(); property != m_values.keyEnd(); ++property) {
+        if (property->section(QLatin1Char(':'), -1) == localName) {
+            names.append(*property);
+        }
+    }
+    names.sort();
+    return names;
+}
+
 void XmpProperties::add(const QString& name, const QStringList& values)
 {
     const bool structural = name.startsWith(QLatin1String("xmlns")) ||

@@ -20,6 +20,8 @@ public:
     [[nodiscard]] QStringList values(const char* name) const;
     /// The first value, cleaned; empty if there is none.
     [[nodiscard]] QString text(const char* name) const;
+    /// The names of the properties with this local name, whatever their prefix, in order.
+    [[nodiscard]] QStringList namesOf(const QString& localName) const;
     void add(const QString& name, const QStringList& values);
 
 private:

@@ -6,6 +6,7 @@
 #include "lumo/foundation/log.h"
 
 #include <QDir>
+#include <QtEndian>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -291,6 +292,14 @@ TEST_F(ReadExif, BandsComeFromXmpElseFromTheChannels)
                      "<drone-dji:BandFreq>450(+/-16)nm</drone-dji:BandFreq>"
                      "<Camera:WavelengthFWHM>16</Camera:WavelengthFWHM>"),
          {{QStringLiteral("Blue"), 450.0, 32.0}}},
+        {tiff(
+             {tiffShort(kSamplesPerPixel, 1),
+              {kXmp, 1,
+               xmpPacket(
+                   "<FLIR:BandName>LWIR</FLIR:BandName>"
+                   "<FLIR:CentralWavelength>10000</FLIR:CentralWavelength>",
+                   "FLIR")}}),
+         {{QStringLiteral("LWIR"), 10000.0}}},
         {tiffWithXmp("<Camera:BandName>NIR</Camera:BandName>"
                      "<Camera:CentralWavelength>-1</Camera:CentralWavelength>"),
          {{QStringLiteral("NIR")}}}};
@@ -298,6 +307,26 @@ TEST_F(ReadExif, BandsComeFromXmpElseFromTheChannels)
         const bands_t found = read(file).bands;
         EXPECT_EQ(found, bands) << qPrintable(found.names().join(QLatin1Char(',')));
     }
+}
+
+/// Fifteen characters.
+QByteArray utf16(const QByteArray& text)
+{
+    QByteArray result(30, '\0');
+    for (int i = 0; i < text.size(); ++i) {
+        result[2 * i] = text[i];
+    }
+    return result;
+}
+
+/// A TIFF file whose maker note exiv2 does not know.
+QByteArray withMakerNote(const QByteArray& make, const QByteArray& note)
+{
+    constexpr quint32 kMake = 0x10f;
+    constexpr quint32 kExifDirectory = 0x8769;
+    constexpr quint32 kMakerNote = 0x927c;
+    constexpr quint32 kUndefined = 7;
+    return tiff({tiffText(kMake, make), {kExifDirectory, 4, {}, {{kMakerNote, kUndefined, note}}}});
 }
 
 TEST_F(ReadExif, SerialNumbersAreTheTextOfTheirTag)
@@ -324,10 +353,118 @@ TEST_F(ReadExif, SerialNumbersAreTheTextOfTheirTag)
         const QString path = write(jpeg(c.tags + kCamera));
         EXPECT_EQ(getSerialNumber(path), QLatin1String(c.expected));
     }
+    const std::pair<QByteArray, const char*> notes[] = {
+        {withMakerNote("RECONYX", QByteArray("\x01\xf1", 2).leftJustified(42, 'x') + utf16("HC6")),
+         "HC6"},
+        {withMakerNote(
+             "RECONYX", QByteArray("RECONYXUF").leftJustified(75, '\0') +
+                            QByteArray("U12").leftJustified(15, '\0')),
+         "U12"},
+        {withMakerNote("RECONYX", QByteArray("RECONYXH2").leftJustified(126, '\0') + utf16("HP2")),
+         "HP2"},
+        {withMakerNote("RECONYX", QByteArray("RECONYXH2").leftJustified(140, '\0')), ""},
+        {withMakerNote(
+             "EASTMAN KODAK COMPANY", QByteArray("KCGMM62500120").leftJustified(99, '\0')),
+         "KCGMM62500120"},
+        {withMakerNote("EASTMAN KODAK COMPANY", QByteArray("KDK INFO").leftJustified(99, '\0')),
+         ""}};
+    for (const auto& [file, expected] : notes) {
+        EXPECT_EQ(getSerialNumber(write(file)), QLatin1String(expected));
+    }
     EXPECT_EQ(
         getSerialNumber(
             write(jpeg(kCamera, xmpPacket("<aux:SerialNumber>S2.0F</aux:SerialNumber>", "aux")))),
         QStringLiteral("S2.0F"));
+}
+
+/// A thermal block of one record, for the camera, cut into two segments.
+QByteArray thermalSegments(quint32 recordAt, float angle)
+{
+    constexpr int kRecordSize = 0x200;
+    QByteArray record(kRecordSize, '\0');
+    record.replace(0, 2, QByteArray("\x02\0", 2));
+    record.replace(0x104, 3, "S12");
+    record.replace(0x170, 4, "FOL7");
+    qToLittleEndian(angle, record.data() + 0x1b4);
+    QByteArray block = QByteArray("FFF\0", 4).leftJustified(0x14, '\0') + littleEndian(101, 4) +
+                       littleEndian(0x40, 4) + littleEndian(1, 4);
+    block = block.leftJustified(0x40, '\0') + littleEndian(0x20, 2);
+    block =
+        block.leftJustified(0x4c, '\0') + littleEndian(recordAt, 4) + littleEndian(kRecordSize, 4);
+    block = block.leftJustified(0x60, '\0') + record;
+    const QByteArray mark("FLIR\0\1", 6);
+    const QByteArray end("\1", 1);
+    return segment('\xe1', mark + QByteArray(1, '\0') + end + block.left(100)) +
+           segment('\xe1', mark + end + end + block.mid(100));
+}
+
+TEST_F(ReadExif, AThermalBlockIsReadWhereverItIsWhole)
+{
+    struct Case
+    {
+        const char* what;
+        QByteArray segments;
+        const char* serialNumber;
+        double angleDeg;
+    };
+    const QByteArray good = thermalSegments(0x60, 25.0F);
+    const Case cases[] = {
+        {"whole", good, "S12", 25.0},
+        {"no angle of a lens", thermalSegments(0x60, 1e9F), "S12", 0.0},
+        {"record outside", thermalSegments(0xffffff00U, 25.0F), "", 0.0},
+        {"second segment missing", good.left(112), "", 0.0},
+        {"first segment missing", good.mid(112), "", 0.0}};
+    for (const Case& c : cases) {
+        QByteArray file = jpeg(kCamera);
+        file.insert(2, c.segments);
+        const ExifInfo exif = read(file);
+        EXPECT_EQ(exif.serialNumber, QLatin1String(c.serialNumber)) << c.what;
+        EXPECT_EQ(exif.fieldOfView.value_or(FieldOfView{}).horizontalDeg, c.angleDeg) << c.what;
+    }
+}
+
+TEST_F(ReadExif, AnglesAndPanoramasComeFromXmp)
+{
+    struct Case
+    {
+        const char* what;
+        QByteArray inside;
+        FieldOfView angles;
+        std::size_t width; ///< 40 x 20 in the file
+        bool spherical;
+    };
+    const QByteArray whole =
+        "<GPano:ProjectionType>equirectangular</GPano:ProjectionType>"
+        "<GPano:CroppedAreaImageWidthPixels>80</GPano:CroppedAreaImageWidthPixels>"
+        "<GPano:CroppedAreaImageHeightPixels>40</GPano:CroppedAreaImageHeightPixels>";
+    const Case cases[] = {
+        {"all angles",
+         "<e:CameraHorizontalFOV>70</e:CameraHorizontalFOV><e:CameraVerticalFOV>50"
+         "</e:CameraVerticalFOV><e:CameraDiagonalFOV>80.5</e:CameraDiagonalFOV>",
+         {70.0, 50.0, 80.5},
+         40,
+         false},
+        {"portrait",
+         "<e:CameraHorizontalFOV>50</e:CameraHorizontalFOV><e:CameraVerticalFOV>70"
+         "</e:CameraVerticalFOV>",
+         {70.0, 50.0, 0.0},
+         40,
+         false},
+        {"no angle", "<e:CameraHorizontalFOV>200</e:CameraHorizontalFOV>", {}, 40, false},
+        {"panorama that was scaled", whole, {}, 80, true},
+        {"part of a panorama",
+         whole + "<GPano:FullPanoWidthPixels>160</GPano:FullPanoWidthPixels>"
+                 "<GPano:FullPanoHeightPixels>80</GPano:FullPanoHeightPixels>",
+         {},
+         80,
+         false}};
+    for (const Case& c : cases) {
+        const QByteArray prefix = c.inside.startsWith("<e:") ? "e" : "GPano";
+        const ExifInfo exif = read(jpeg(kCamera, xmpPacket(c.inside, prefix), 40, 20));
+        EXPECT_EQ(exif.fieldOfView.value_or(FieldOfView{}), c.angles) << c.what;
+        EXPECT_EQ(exif.imageWidth, c.width) << c.what;
+        EXPECT_EQ(exif.spherical, c.spherical) << c.what;
+    }
 }
 
 TEST_F(ReadExif, IrradianceIsOneNumberARecord)

@@ -42,6 +42,17 @@ struct FocalPlaneResolution
     bool operator==(const FocalPlaneResolution&) const = default;
 };
 
+/// Angles between the edges of the recorded picture, in degrees; 0 if not stated.
+/// Of portrait pictures, too, the horizontal angle is along the longer side.
+struct FieldOfView
+{
+    double horizontalDeg = 0.0;
+    double verticalDeg = 0.0;
+    double diagonalDeg = 0.0;
+
+    bool operator==(const FieldOfView&) const = default;
+};
+
 /// One term, coefficient * x^xPower * y^yPower, of a polynomial for the brightness. x and
 /// y run from 0 to 1 along the image width and height; 1 means no loss of light.
 struct VignettingTerm
@@ -74,6 +85,13 @@ struct LUMO_CAMERADATA_EXPORT ExifInfo
     std::size_t fileWidth = 0;
     std::size_t fileHeight = 0;
     std::optional<FocalPlaneResolution> focalPlane;
+    double sensorDiagonalMm = 0.0; ///< of the sensor's part that the recorded picture shows
+    std::optional<FieldOfView> fieldOfView;
+    /// The detector of a thermal camera; its picture may be of another size.
+    std::size_t thermalWidth = 0;
+    std::size_t thermalHeight = 0;
+    bool spherical = false; ///< an equirectangular panorama of the whole sphere
+    QString software;       ///< the last program that wrote the file, often the firmware
     std::optional<LensCalibration> calibration; ///< set only if all of it is present
     std::vector<VignettingTerm> vignetting;
     double lineReadoutTimeMs = 0.0; ///< between the starts of two lines

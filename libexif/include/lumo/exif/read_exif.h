@@ -48,7 +48,13 @@ namespace lumo::exif {
 /// - Camera:LineReadoutTime (ns), and Camera:VignettingPolynomial2D in x and y from 0
 ///   to 1 with its ...Name, pairs of powers. Radial polynomials are not read: makers
 ///   write the loss under the same property, or the gain that makes up for it.
-/// - Bands: named by XMP; else Red, Green, Blue of a colour image, "Gray" of a
+/// - Field of view: XMP CameraHorizontalFOV, CameraVerticalFOV and CameraDiagonalFOV of any
+///   prefix (degrees), else that of a thermal camera's block beside EXIF, which also gives
+///   its serial number, its lens and the size of its detector.
+/// - Panorama: GPano's size before scaling counts as the EXIF size does; an equirectangular
+///   one of the whole sphere is spherical.
+/// - Focal length of CRW files: of Canon's maker notes.
+/// - Bands: named by XMP, of whatever prefix; else Red, Green, Blue of a colour image, "Gray" of a
 ///   single channel, "Band 1" and so on of other numbers of channels. Widths are
 ///   full widths: where DJI states a half width ("450(+/-16)nm") it is doubled.
 /// - Serial number: the text of the tag as it stands; zeros alone are none.
