@@ -47,18 +47,18 @@ TEST(CameraDbSelftest, AnotherSensorIsADoubtThatNamesTheCameraWhichTheTableKnows
     const CameraModelFromDB small = modelOf("FC6310_9.0_640x512", 640, 512, 12.0);
     EXPECT_EQ(
         findingsAbout({small}),
-        QStringList("FC6310_9.0_640x512: its sensor is 41.8 % narrower than the table of sensor "
-                    "sizes says"));
+        QStringList("FC6310_9.0_640x512: its sensor is 41.8 % narrower than in the table of sensor "
+                    "sizes"));
     EXPECT_EQ(
         findingsAbout({small, modelOf("FC6310_8.8_5472x3648", 5472, 3648, 2.4)}),
-        QStringList("FC6310_9.0_640x512: its sensor is 41.8 % narrower than the table of sensor "
-                    "sizes says, which lists another camera of this product: "
+        QStringList("FC6310_9.0_640x512: its sensor is 41.8 % narrower than in the table of sensor "
+                    "sizes, which lists another camera of this product: "
                     "'FC6310_8.8_5472x3648'"));
     // One side fits, the other is longer than the sensor.
     EXPECT_EQ(
         findingsAbout({modelOf("FC6310_8.8_5472x4104", 5472, 4104, 2.4)}),
-        QStringList("FC6310_8.8_5472x4104: its sensor is 11.9 % higher than the table of sensor "
-                    "sizes says"));
+        QStringList("FC6310_8.8_5472x4104: its sensor is 11.9 % higher than in the table of sensor "
+                    "sizes"));
 }
 
 struct WrongNumber

@@ -172,7 +172,7 @@ TEST_F(ProjectCommand, WhatCannotBeConvertedIsSaidAndLeftAlone)
     write(file, newer);
     const ProgramRun run = this->run({"convert", file, samplePath("projects/none.kpx")});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(run.err.contains("is of format version 7, newer than version 3"))
+    EXPECT_TRUE(run.err.contains("has format version 7, newer than the requested version 3"))
         << run.err.toStdString();
     EXPECT_TRUE(run.err.contains("none.kpx: No such file or folder"));
     EXPECT_EQ(read(file), newer);

@@ -53,7 +53,7 @@ ExitCode validateOne(const QString& file, const CommonOptions& options)
     QString error;
     bool valid = false;
     if (isLegacy(converter)) {
-        error = QStringLiteral("format version %1 has no schema: convert the file first")
+        error = QStringLiteral("product version %1 has no schema: convert the file first")
                     .arg(converter.getProjectVersion());
     } else if (!input.open(QIODevice::ReadOnly)) {
         error = input.errorString();
