@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace lumo {
 namespace {
@@ -32,8 +33,8 @@ bool usable(double value)
     return std::isfinite(value) && value >= 0.0;
 }
 
-/// The first fault of a band; empty if there is none.
-QString faultOf(const bands_t& bands)
+/// The first fault of a band, if any.
+std::optional<QString> faultOf(const bands_t& bands)
 {
     QSet<QString> seen;
     for (const band_t& band : bands) {
@@ -51,7 +52,7 @@ QString faultOf(const bands_t& bands)
         }
         seen.insert(folded);
     }
-    return {};
+    return std::nullopt;
 }
 
 } // namespace
@@ -134,16 +135,16 @@ bool bands_t::needsCopyDataFrom(const bands_t& other) const
 
 bool bands_t::valid(QString& error, bool checkBands, bool verbose, bool allowEmpty) const
 {
-    QString fault;
+    std::optional<QString> fault;
     if (m_bands.empty() && !allowEmpty) {
         fault = QStringLiteral("There are no bands");
     } else if (checkBands) {
         fault = faultOf(*this);
     }
-    if (verbose && !fault.isEmpty()) {
-        error = fault;
+    if (verbose && fault) {
+        error = *fault;
     }
-    return fault.isEmpty();
+    return !fault;
 }
 
 bands_t band::makeRGBBands()

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <optional>
 
 namespace lumo {
 namespace {
@@ -14,10 +15,10 @@ bool allFinite(std::initializer_list<double> values)
     return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
 }
 
-// These functions return the first fault, or an empty text. All conditions are written so
+// These functions return the first fault, if any. All conditions are written so
 // that a NaN, which a file can contain, is a fault.
 
-QString sensorFault(const CameraParams& params)
+std::optional<QString> sensorFault(const CameraParams& params)
 {
     if (!validCameraName(params.name)) {
         return params.name.isEmpty() ? QStringLiteral("The camera has no name")
@@ -38,10 +39,10 @@ QString sensorFault(const CameraParams& params)
     if (!allFinite({params.lineReadoutTime, params.velocityNumber})) {
         return QStringLiteral("The line read-out time is not a number");
     }
-    return {};
+    return std::nullopt;
 }
 
-QString perspectiveFault(const PerspectiveParams& lens)
+std::optional<QString> perspectiveFault(const PerspectiveParams& lens)
 {
     if (!std::isfinite(lens.focalLengthMm) || lens.focalLengthMm <= 0.0) {
         return QStringLiteral("The focal length is not positive");
@@ -50,10 +51,10 @@ QString perspectiveFault(const PerspectiveParams& lens)
             {lens.radialK1, lens.radialK2, lens.radialK3, lens.tangentialT1, lens.tangentialT2})) {
         return QStringLiteral("A distortion coefficient is not a number");
     }
-    return {};
+    return std::nullopt;
 }
 
-QString fisheyeFault(const FisheyeParams& lens)
+std::optional<QString> fisheyeFault(const FisheyeParams& lens)
 {
     if (lens.npoly < 1 || lens.npoly > 4) {
         return QStringLiteral("The degree of the fisheye polynomial is not 1 to 4");
@@ -67,10 +68,10 @@ QString fisheyeFault(const FisheyeParams& lens)
     if (!std::isfinite(determinant) || determinant == 0.0) {
         return QStringLiteral("The affine part of the fisheye lens cannot be inverted");
     }
-    return {};
+    return std::nullopt;
 }
 
-QString lensFault(const CameraParams& params)
+std::optional<QString> lensFault(const CameraParams& params)
 {
     switch (params.lensType) {
     case LensType::Perspective:
@@ -78,12 +79,12 @@ QString lensFault(const CameraParams& params)
     case LensType::Fisheye:
         return fisheyeFault(params.fisheye);
     case LensType::Spherical:
-        return {};
+        return std::nullopt;
     }
     return QStringLiteral("The lens type is unknown"); // a number from a file
 }
 
-QString tablesFault(const CameraParams& params)
+std::optional<QString> tablesFault(const CameraParams& params)
 {
     for (const auto& [type, range] : params.pixelValues) {
         if (!allFinite({range.min, range.max})) {
@@ -100,24 +101,24 @@ QString tablesFault(const CameraParams& params)
             return QStringLiteral("A vignetting coefficient is not a number");
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 } // namespace
 
 bool CameraParams::valid(QString& error, bool verbose) const
 {
-    QString fault = sensorFault(*this);
-    if (fault.isEmpty()) {
+    std::optional<QString> fault = sensorFault(*this);
+    if (!fault) {
         fault = lensFault(*this);
     }
-    if (fault.isEmpty()) {
+    if (!fault) {
         fault = tablesFault(*this);
     }
-    if (verbose && !fault.isEmpty()) {
-        error = fault;
+    if (verbose && fault) {
+        error = *fault;
     }
-    return fault.isEmpty();
+    return !fault;
 }
 
 } // namespace lumo

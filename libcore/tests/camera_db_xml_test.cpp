@@ -83,9 +83,9 @@ void keepStorable(CameraDBData& data)
         params.velocityNumber = 0.0;
         params.lineReadoutTime =
             std::abs(params.lineReadoutTime) < 0.001 ? 0.0 : params.lineReadoutTime;
-        std::rotate(
-            camera.bandConfigs.begin(), camera.bandConfigs.begin() + camera.defaultBandConfig,
-            camera.bandConfigs.begin() + camera.defaultBandConfig + 1);
+        const auto first = camera.bandConfigs.begin();
+        const auto standard = first + static_cast<std::ptrdiff_t>(camera.defaultBandConfig);
+        std::rotate(first, standard, standard + 1);
         camera.defaultBandConfig = 0;
         std::for_each(camera.bandConfigs.begin(), camera.bandConfigs.end(), roundBands);
     }

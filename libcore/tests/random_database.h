@@ -38,6 +38,7 @@ public:
 
 private:
     int index(int count) { return std::uniform_int_distribution<int>(0, count - 1)(m_rng); }
+    std::size_t position(int count) { return static_cast<std::size_t>(index(count)); }
     bool flip() { return index(2) == 1; }
 
     /// Zero now and then, else of any magnitude that a parameter may have.
@@ -115,7 +116,7 @@ private:
         CameraModelFromDB model;
         CameraParams& params = model.params;
         params.name = name;
-        params.setImageSize(1 + index(20000), 1 + index(20000));
+        params.setImageSize(1 + position(20000), 1 + position(20000));
         params.pixelSize = positive();
         params.principalPointXMm = number();
         params.principalPointYMm = number();
@@ -127,7 +128,7 @@ private:
         fillTables(params);
         if (flip()) {
             model.bandConfigs = {bands(), bands(), band::makeRGBBands()};
-            model.defaultBandConfig = index(3);
+            model.defaultBandConfig = position(3);
         }
         model.exifId = flip() ? text() : QString();
         return model;
@@ -145,7 +146,7 @@ private:
     {
         RigModel rig(name, static_cast<RigCameraDetection>(index(2)));
         rig.processingMode = static_cast<RigSecondaryProcType>(index(5));
-        rig.adjustRefCamera = index(2);
+        rig.adjustRefCamera = flip() ? 1 : 0;
         rig.refCamera = rigCamera();
         for (int i = 0; i < 2 + index(3); ++i) {
             const Eigen::Vector3d length(number(), number(), number());

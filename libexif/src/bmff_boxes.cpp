@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
 
 namespace lumo::exif {
 namespace {
@@ -71,7 +72,7 @@ public:
         if (depth > kMaxDepth) {
             m_fault = QStringLiteral("its boxes are nested deeper than %1 levels").arg(kMaxDepth);
         }
-        while (m_fault.isEmpty() && end - begin >= kBoxHeader) {
+        while (!m_fault && end - begin >= kBoxHeader) {
             const Box box = boxAt(m_data, begin, end);
             if (box.size == 0) {
                 return; // damaged: what comes after cannot be found
@@ -79,14 +80,14 @@ public:
             count(box.type);
             const std::size_t inside =
                 box.headerSize + beforeBoxes(box.type, begin + box.headerSize, end);
-            if (m_fault.isEmpty() && inside < box.size && containsBoxes(box.type)) {
+            if (!m_fault && inside < box.size && containsBoxes(box.type)) {
                 walk(begin + inside, begin + box.size, depth + 1);
             }
             begin += box.size;
         }
     }
 
-    [[nodiscard]] const QString& fault() const { return m_fault; }
+    [[nodiscard]] const std::optional<QString>& fault() const { return m_fault; }
 
 private:
     static bool containsBoxes(const BoxType& box)
@@ -136,16 +137,17 @@ private:
     const unsigned char* m_data;
     int m_boxes = 0;
     int m_metadataBoxes = 0;
-    QString m_fault;
+    std::optional<QString> m_fault;
 };
 
 } // namespace
 
-QString expensiveBoxes(const unsigned char* data, std::size_t size)
+bool boxesAreCheap(const unsigned char* data, std::size_t size, QString& error)
 {
     BoxWalk boxes(data);
     boxes.walk(0, size, 0);
-    return boxes.fault();
+    error = boxes.fault().value_or(error);
+    return !boxes.fault();
 }
 
 ByteRange mediaData(const unsigned char* data, std::size_t size)

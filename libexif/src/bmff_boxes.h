@@ -7,13 +7,14 @@
 
 namespace lumo::exif {
 
-/// Why the boxes of an ISO base media file (ISO/IEC 14496-12: HEIC, HEIF, AVIF, CR3) are
-/// too expensive to read; empty if they are not. Only the outline is checked: whether the
-/// boxes contain what they should shows when they are read.
+/// Whether the boxes of an ISO base media file (ISO/IEC 14496-12: HEIC, HEIF, AVIF, CR3)
+/// are cheap to read. Only the outline is checked: whether the boxes contain what they
+/// should shows when they are read.
 ///
 /// exiv2 keeps the content of a box in memory while it reads the boxes inside, calls
 /// itself for each level, and decodes the metadata again for each box that refers to them.
-[[nodiscard]] QString expensiveBoxes(const unsigned char* data, std::size_t size);
+/// \param[out] error  if they are not, why; else untouched
+[[nodiscard]] bool boxesAreCheap(const unsigned char* data, std::size_t size, QString& error);
 
 /// A range of bytes.
 struct ByteRange

@@ -3,6 +3,8 @@
 
 #include <QtEndian>
 
+#include <optional>
+
 namespace lumo::exif {
 namespace {
 
@@ -30,7 +32,7 @@ public:
             m_fault =
                 QStringLiteral("its directories are nested deeper than %1 levels").arg(kMaxDepth);
         }
-        if (size < 4 || !m_fault.isEmpty()) {
+        if (size < 4 || m_fault) {
             return;
         }
         const std::size_t list = get32(begin + size - 4);
@@ -41,12 +43,12 @@ public:
         if (entries * kEntrySize > size - list - 2) {
             return;
         }
-        for (std::size_t i = 0; i < entries && m_fault.isEmpty(); ++i) {
+        for (std::size_t i = 0; i < entries && !m_fault; ++i) {
             enter(begin, size, begin + list + 2 + i * kEntrySize, depth);
         }
     }
 
-    [[nodiscard]] const QString& fault() const { return m_fault; }
+    [[nodiscard]] const std::optional<QString>& fault() const { return m_fault; }
 
 private:
     void enter(std::size_t begin, std::size_t size, std::size_t entry, int depth)
@@ -94,26 +96,27 @@ private:
     bool m_little;
     int m_entries = 0;
     std::size_t m_listedBytes = 0;
-    QString m_fault;
+    std::optional<QString> m_fault;
 };
 
 } // namespace
 
-QString expensiveDirectories(const unsigned char* data, std::size_t size)
+bool directoriesAreCheap(const unsigned char* data, std::size_t size, QString& error)
 {
     constexpr std::size_t kHeader = 14;
     if (size < kHeader) {
-        return {};
+        return true;
     }
     const bool littleEndian = data[0] == 'I';
     const std::size_t begin =
         littleEndian ? qFromLittleEndian<quint32>(data + 2) : qFromBigEndian<quint32>(data + 2);
     if (begin > size) {
-        return {};
+        return true;
     }
     CiffWalk directories(data, littleEndian);
     directories.walk(begin, size - begin, 0);
-    return directories.fault();
+    error = directories.fault().value_or(error);
+    return !directories.fault();
 }
 
 } // namespace lumo::exif

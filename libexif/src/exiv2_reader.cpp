@@ -241,13 +241,13 @@ QString reason(const Exiv2::Error& failure)
     }
 }
 
-/// What `work` throws in one line; empty if it throws nothing.
+/// What `work` throws, in one line; none if it throws nothing.
 template <typename Work>
-QString failureOf(const Work& work)
+std::optional<QString> failureOf(const Work& work)
 {
     try {
         work();
-        return {};
+        return std::nullopt;
     } catch (const Exiv2::Error& failure) {
         return reason(failure);
     } catch (const std::exception& failure) {
@@ -261,20 +261,21 @@ bool readWithExiv2(Exiv2::BasicIo::AutoPtr io, RawMetadata& raw, QString& error)
 {
     setUpExiv2();
     Exiv2::Image::AutoPtr image;
-    const QString unopened = failureOf([&] { image = openImage(io, error); });
+    const std::optional<QString> unopened = failureOf([&] { image = openImage(io, error); });
     if (image.get() == nullptr) {
-        if (!unopened.isEmpty()) { // files shorter than the marks of all formats
+        if (unopened) { // files shorter than the marks of all formats
             error = QStringLiteral("not an image of a known format");
         }
         return false;
     }
-    const QString damage = failureOf([&] { image->readMetadata(); });
-    error = failureOf([&] { raw = collect(*image); });
-    if (error.isEmpty() && !damage.isEmpty() && raw.tags.empty()) {
-        error = damage;
+    const std::optional<QString> damage = failureOf([&] { image->readMetadata(); });
+    std::optional<QString> failure = failureOf([&] { raw = collect(*image); });
+    if (!failure && damage && raw.tags.empty()) {
+        failure = damage;
     }
-    raw.damage = damage;
-    return error.isEmpty();
+    error = failure.value_or(error);
+    raw.damage = damage.value_or(QString());
+    return !failure;
 }
 
 } // namespace

@@ -103,21 +103,21 @@ bool prepareJpeg(QFile& file, MetadataBytes& result, QString& error)
     return true;
 }
 
-/// What is expensive about the outline of the file; empty if nothing is.
-QString expensiveOutline(FileKind kind, const unsigned char* data, std::size_t size)
+/// Whether the outline of the file is cheap to read.
+bool outlineIsCheap(FileKind kind, const unsigned char* data, std::size_t size, QString& error)
 {
     if (kind == FileKind::Bmff || kind == FileKind::Cr3) {
-        return expensiveBoxes(data, size);
+        return boxesAreCheap(data, size, error);
     }
-    return kind == FileKind::Crw ? expensiveDirectories(data, size) : QString();
+    return kind != FileKind::Crw || directoriesAreCheap(data, size, error);
 }
 
 /// Formats in which EXIF is somewhere inside. The picture of a CR3 file, of some 30 MB, is
 /// left out: reading it would take longer than all the rest. CRW has no TIFF structures.
 bool limitContainer(FileKind kind, unsigned char* data, std::size_t size, QString& error)
 {
-    const QString expensive = expensiveOutline(kind, data, size);
-    if (!expensive.isEmpty()) {
+    QString expensive;
+    if (!outlineIsCheap(kind, data, size, expensive)) {
         error = QStringLiteral("too expensive to read: %1").arg(expensive);
         return false;
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "show/camera_text.h"
 
+#include <QString>
+
 namespace lumo::program {
 
 double shownNumber(double value)

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <optional>
 
 namespace lumo::cameradb {
 namespace {
@@ -54,17 +55,17 @@ public:
 
     void fault(const char* field, const QString& reason)
     {
-        if (m_fault.isEmpty()) {
+        if (!m_fault) {
             m_fault =
                 m_record + QStringLiteral(": ") + QLatin1String(field) + QLatin1Char(' ') + reason;
         }
     }
 
-    [[nodiscard]] const QString& first() const { return m_fault; }
+    [[nodiscard]] const std::optional<QString>& first() const { return m_fault; }
 
 private:
     QString m_record;
-    QString m_fault;
+    std::optional<QString> m_fault;
 };
 
 void findInHeader(const HeaderPairs& headerPairs, FaultFinder& finder)
@@ -121,7 +122,7 @@ void findInRig(const RigModel& rig, FaultFinder& finder)
 
 } // namespace
 
-QString documentFault(const HeaderPairs& headerPairs, const CameraDBData& data)
+std::optional<QString> documentFault(const HeaderPairs& headerPairs, const CameraDBData& data)
 {
     FaultFinder finder;
     findInHeader(headerPairs, finder);

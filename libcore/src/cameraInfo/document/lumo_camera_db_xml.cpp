@@ -13,6 +13,7 @@
 #include <QDomDocument>
 #include <QXmlStreamWriter>
 
+#include <optional>
 #include <utility>
 
 namespace lumo::cameradb {
@@ -305,9 +306,8 @@ void writeXML(QXmlStreamWriter& writer, const HeaderPairs& headerPairs, const Ca
 bool documentText(
     const HeaderPairs& headerPairs, const CameraDBData& data, QString& text, QString& error)
 {
-    const QString fault = documentFault(headerPairs, data);
-    if (!fault.isEmpty()) {
-        error = fault;
+    if (const std::optional<QString> fault = documentFault(headerPairs, data)) {
+        error = *fault;
         return false;
     }
     constexpr int kOneTab = -1;

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace lumo {
@@ -81,8 +82,8 @@ void checkSensors(const CameraModelDb& database, std::vector<DatabaseFinding>& f
     }
 }
 
-/// Why the numbers of a camera cannot be right; empty if they can.
-QString numberFault(const CameraModelFromDB& model)
+/// Why the numbers of a camera cannot be right, if they cannot.
+std::optional<QString> numberFault(const CameraModelFromDB& model)
 {
     constexpr double kSmallestSideMm = 0.5;      // smaller than any thermal core
     constexpr double kLargestSideMm = 120.0;     // aerial frame cameras reach 105 mm
@@ -109,12 +110,12 @@ QString numberFault(const CameraModelFromDB& model)
         return QStringLiteral("its shutter takes %1 ms from the first line to the last")
             .arg(readout);
     }
-    return {};
+    return std::nullopt;
 }
 
-/// Why a band's centre cannot be right; empty if all can. Known centres (not 0) must be
+/// Why a band's centre cannot be right, if one cannot. Known centres (not 0) must be
 /// between ultraviolet and thermal infrared.
-QString bandFault(const CameraModelFromDB& model)
+std::optional<QString> bandFault(const CameraModelFromDB& model)
 {
     constexpr double kShortestNm = 300.0;
     constexpr double kLongestNm = 15000.0;
@@ -128,7 +129,7 @@ QString bandFault(const CameraModelFromDB& model)
             }
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 void checkIdentifiers(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
@@ -157,9 +158,9 @@ void checkIdentifiers(const CameraModelDb& database, std::vector<DatabaseFinding
 void checkNumbers(const CameraModelDb& database, std::vector<DatabaseFinding>& findings)
 {
     for (const auto& [name, model] : database.internalData().cameras) {
-        for (const QString& fault : {numberFault(model), bandFault(model)}) {
-            if (!fault.isEmpty()) {
-                findings.push_back({name, fault, true});
+        for (const std::optional<QString>& fault : {numberFault(model), bandFault(model)}) {
+            if (fault) {
+                findings.push_back({name, *fault, true});
             }
         }
     }

@@ -25,7 +25,7 @@ QString twice(const QString& what)
 }
 
 /// The f-number times 100, the key of vignetting models. More decimals would be lost.
-QString vignettingKey(double fNumber, int& key)
+Reason vignettingKey(double fNumber, int& key)
 {
     constexpr double kTolerance = 1e-6; // far above rounding, far below a third decimal
     const double hundredfold = fNumber * 100.0;
@@ -35,10 +35,10 @@ QString vignettingKey(double fNumber, int& key)
         return QStringLiteral("fNumber has more than two decimals or is too large");
     }
     key = static_cast<int>(rounded);
-    return {};
+    return std::nullopt;
 }
 
-QString coefficientsFault(const QString& text)
+Reason coefficientsFault(const QString& text)
 {
     for (const QString& part : text.split(QLatin1Char(','))) {
         bool ok = false;
@@ -47,13 +47,12 @@ QString coefficientsFault(const QString& text)
             return QStringLiteral("coefficients: '%1' is not a number").arg(part);
         }
     }
-    return {};
+    return std::nullopt;
 }
 
-QString vignettingModel(const VignettingRow& row, VignettingData& model)
+Reason vignettingModel(const VignettingRow& row, VignettingData& model)
 {
-    const QString reason = coefficientsFault(row.coefficients);
-    if (!reason.isEmpty()) {
+    if (Reason reason = coefficientsFault(row.coefficients)) {
         return reason;
     }
     // string2vignetting() reads a bad number as 0, so the text was checked before.
@@ -66,7 +65,7 @@ QString vignettingModel(const VignettingRow& row, VignettingData& model)
     const Eigen::MatrixXd column = model.coefficients;
     model.coefficients = Eigen::Map<const Eigen::MatrixXd>(
         column.data(), static_cast<Eigen::Index>(rows), static_cast<Eigen::Index>(count / rows));
-    return {};
+    return std::nullopt;
 }
 
 /// Not rig_relatives_t's own comparison, which is tolerant.
@@ -79,7 +78,7 @@ bool isDefault(const rig_relatives_t& pose)
            pose.tolTransl == none.tolTransl;
 }
 
-QString rigCameraFault(const RigModelCameraAttr& attributes)
+Reason rigCameraFault(const RigModelCameraAttr& attributes)
 {
     QString reason;
     if (!attributes.bands().valid(reason, true, true, true)) {
@@ -87,11 +86,11 @@ QString rigCameraFault(const RigModelCameraAttr& attributes)
     }
     return attributes.enabled() && attributes[RigKey::ExifString].isEmpty()
                ? QStringLiteral("An enabled camera has no EXIF string")
-               : QString();
+               : Reason();
 }
 
 /// Gives a rig its cameras, in the order of their numbers.
-QString fillRig(RigModel& rig, const std::vector<RigCameraRow>& cameras)
+Reason fillRig(RigModel& rig, const std::vector<RigCameraRow>& cameras)
 {
     if (rig.refCameraIndex >= cameras.size()) {
         return QStringLiteral("There is no reference camera %1 among %2 cameras")
@@ -112,47 +111,47 @@ QString fillRig(RigModel& rig, const std::vector<RigCameraRow>& cameras)
 
 } // namespace
 
-QString faultOf(const RigModel& rig)
+Reason faultOf(const RigModel& rig)
 {
     if (rig.name.isEmpty()) {
         return QStringLiteral("The rig has no name");
     }
-    QString reason = rigCameraFault(rig.refCamera);
+    Reason reason = rigCameraFault(rig.refCamera);
     for (const auto& secondary : rig.secondaries) {
-        if (reason.isEmpty()) {
+        if (!reason) {
             reason = rigCameraFault(secondary.attributes);
         }
-        if (reason.isEmpty() && !isFinite(secondary.relatives)) {
+        if (!reason && !isFinite(secondary.relatives)) {
             reason = QStringLiteral("A pose has a value that is not a finite number");
         }
     }
-    if (reason.isEmpty() && !rig.valid()) {
+    if (!reason && !rig.valid()) {
         reason = QStringLiteral("The rig has fewer than two enabled cameras");
     }
     return reason;
 }
 
-QString TablesBuilder::findCamera(const QString& name, const QString& serialNumber, Camera*& camera)
+Reason TablesBuilder::findCamera(const QString& name, const QString& serialNumber, Camera*& camera)
 {
     const auto found = m_cameras.find({name, serialNumber});
     if (found == m_cameras.end()) {
         return QStringLiteral("there is no ") + cameraText(name, serialNumber);
     }
     camera = &found->second;
-    return {};
+    return std::nullopt;
 }
 
-QString TablesBuilder::findRig(const QString& name, Rig*& rig)
+Reason TablesBuilder::findRig(const QString& name, Rig*& rig)
 {
     const auto found = m_rigs.find(name);
     if (found == m_rigs.end()) {
         return QStringLiteral("there is no rig '%1'").arg(name);
     }
     rig = &found->second;
-    return {};
+    return std::nullopt;
 }
 
-QString TablesBuilder::add(CameraModelFromDB& row)
+Reason TablesBuilder::add(CameraModelFromDB& row)
 {
     const auto [entry, isNew] = m_cameras.try_emplace({row.params.name, row.serialNumber});
     if (!isNew) {
@@ -168,13 +167,13 @@ QString TablesBuilder::add(CameraModelFromDB& row)
     lens.setAffine(lens.symmetricAffine, lens.c, lens.d, lens.e, lens.f);
     const auto stored = m_data.cameras.emplace(row.params.name, std::move(row));
     entry->second = {&stored->second, m_place, false};
-    return {};
+    return std::nullopt;
 }
 
-QString TablesBuilder::add(const BandRow& row)
+Reason TablesBuilder::add(const BandRow& row)
 {
     Camera* camera = nullptr;
-    if (QString reason = findCamera(row.camera, row.serialNumber, camera); !reason.isEmpty()) {
+    if (Reason reason = findCamera(row.camera, row.serialNumber, camera)) {
         return reason;
     }
     std::vector<bands_t>& configs = camera->model->bandConfigs;
@@ -190,75 +189,75 @@ QString TablesBuilder::add(const BandRow& row)
         configs.emplace_back();
     }
     configs[row.config].append(row.band);
-    return {};
+    return std::nullopt;
 }
 
-QString TablesBuilder::add(const VignettingRow& row)
+Reason TablesBuilder::add(const VignettingRow& row)
 {
     Camera* camera = nullptr;
     int key = 0;
     VignettingData model;
-    QString reason = findCamera(row.camera, row.serialNumber, camera);
-    if (reason.isEmpty()) {
+    Reason reason = findCamera(row.camera, row.serialNumber, camera);
+    if (!reason) {
         reason = vignettingKey(row.fNumber, key);
     }
-    if (reason.isEmpty()) {
+    if (!reason) {
         reason = vignettingModel(row, model);
     }
-    if (!reason.isEmpty()) {
+    if (reason) {
         return reason;
     }
     return camera->model->params.vignetting.emplace(key, model).second
-               ? QString()
+               ? Reason()
                : twice(QStringLiteral("fNumber of ") + cameraText(row.camera, row.serialNumber));
 }
 
-QString TablesBuilder::add(const PixelValuesRow& row)
+Reason TablesBuilder::add(const PixelValuesRow& row)
 {
     Camera* camera = nullptr;
-    if (QString reason = findCamera(row.camera, row.serialNumber, camera); !reason.isEmpty()) {
+    if (Reason reason = findCamera(row.camera, row.serialNumber, camera)) {
         return reason;
     }
     return camera->model->params.pixelValues.emplace(row.type, row.range).second
-               ? QString()
+               ? Reason()
                : twice(QStringLiteral("pixelType of ") + cameraText(row.camera, row.serialNumber));
 }
 
-QString TablesBuilder::add(const MappingRow& row)
+Reason TablesBuilder::add(const MappingRow& row)
 {
     return m_data.mappings.emplace(row.exifId, row.camera).second
-               ? QString()
+               ? Reason()
                : twice(QStringLiteral("exifId '%1'").arg(row.exifId));
 }
 
-QString TablesBuilder::add(const RigModel& row)
+Reason TablesBuilder::add(const RigModel& row)
 {
     return m_rigs.try_emplace(row.name, Rig{row, m_place, {}}).second
-               ? QString()
+               ? Reason()
                : twice(QStringLiteral("rig '%1'").arg(row.name));
 }
 
-QString TablesBuilder::add(const RigCameraRow& row)
+Reason TablesBuilder::add(const RigCameraRow& row)
 {
     Rig* rig = nullptr;
-    QString reason = findRig(row.rig, rig);
-    if (reason.isEmpty()) {
+    Reason reason = findRig(row.rig, rig);
+    if (!reason) {
         rig->cameras.push_back(row);
     }
     return reason;
 }
 
-QString TablesBuilder::add(const RigBandRow& row)
+Reason TablesBuilder::add(const RigBandRow& row)
 {
     Rig* rig = nullptr;
-    if (QString reason = findRig(row.rig, rig); !reason.isEmpty()) {
+    if (Reason reason = findRig(row.rig, rig)) {
         return reason;
     }
     if (row.camera >= rig->cameras.size()) {
         return QStringLiteral("rig '%1' has no camera %2").arg(row.rig).arg(row.camera);
     }
     rig->cameras[row.camera].attributes.filter().bands.append(row.band);
-    return {};
+    return std::nullopt;
 }
 
 bool TablesBuilder::finish(csv::Fault& fault)
@@ -273,9 +272,8 @@ bool TablesBuilder::finish(csv::Fault& fault)
         }
     }
     for (auto& [name, rig] : m_rigs) {
-        const QString reason = fillRig(rig.model, rig.cameras);
-        if (!reason.isEmpty()) {
-            fault = {rig.place, QStringLiteral("rig '%1': ").arg(name) + reason};
+        if (const Reason reason = fillRig(rig.model, rig.cameras)) {
+            fault = {rig.place, QStringLiteral("rig '%1': ").arg(name) + *reason};
             return false;
         }
         m_data.rigs.emplace(name, std::move(rig.model));

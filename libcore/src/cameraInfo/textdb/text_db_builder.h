@@ -8,10 +8,14 @@
 #include <QString>
 
 #include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
 namespace lumo::cameradb::textdb {
+
+/// Why a row or record is refused; none on success.
+using Reason = std::optional<QString>;
 
 /// Builds the tables of a database from the rows of the sections.
 class TablesBuilder
@@ -20,16 +24,15 @@ public:
     /// Sets the place in the text of the next row to be added, for faults.
     void setPlace(const csv::Place& place) { m_place = place; }
 
-    // Each adds a row. The result is the reason why the row cannot be added; empty on
-    // success.
-    [[nodiscard]] QString add(CameraModelFromDB& row);
-    [[nodiscard]] QString add(const BandRow& row);
-    [[nodiscard]] QString add(const VignettingRow& row);
-    [[nodiscard]] QString add(const PixelValuesRow& row);
-    [[nodiscard]] QString add(const MappingRow& row);
-    [[nodiscard]] QString add(const RigModel& row);
-    [[nodiscard]] QString add(const RigCameraRow& row);
-    [[nodiscard]] QString add(const RigBandRow& row);
+    // Each adds a row. The result is the reason why the row cannot be added, if any.
+    [[nodiscard]] Reason add(CameraModelFromDB& row);
+    [[nodiscard]] Reason add(const BandRow& row);
+    [[nodiscard]] Reason add(const VignettingRow& row);
+    [[nodiscard]] Reason add(const PixelValuesRow& row);
+    [[nodiscard]] Reason add(const MappingRow& row);
+    [[nodiscard]] Reason add(const RigModel& row);
+    [[nodiscard]] Reason add(const RigCameraRow& row);
+    [[nodiscard]] Reason add(const RigBandRow& row);
 
     /// Once all rows are added: checks each record as a whole.
     /// \param[out] fault  the first record, by name, that is not valid
@@ -53,10 +56,10 @@ private:
         std::vector<RigCameraRow> cameras;
     };
 
-    // The result is the reason why there is no such record; empty if there is one.
-    [[nodiscard]] QString findCamera(
+    // The result is the reason why there is no such record, if there is none.
+    [[nodiscard]] Reason findCamera(
         const QString& name, const QString& serialNumber, Camera*& camera);
-    [[nodiscard]] QString findRig(const QString& name, Rig*& rig);
+    [[nodiscard]] Reason findRig(const QString& name, Rig*& rig);
 
     csv::Place m_place;
     CameraDBData m_data;
@@ -64,7 +67,7 @@ private:
     std::map<QString, Rig> m_rigs;
 };
 
-/// Why a database cannot have the rig; empty if it can.
-[[nodiscard]] QString faultOf(const RigModel& rig);
+/// Why a database cannot have the rig, if it cannot.
+[[nodiscard]] Reason faultOf(const RigModel& rig);
 
 } // namespace lumo::cameradb::textdb

@@ -45,8 +45,8 @@ bool readSection(RowSource& source, TablesBuilder& builder)
 {
     return readRows(source, columns(), [&source, &builder](Row& row) {
         builder.setPlace(source.place());
-        const QString reason = builder.add(row);
-        return reason.isEmpty() || source.fail(source.place(), reason);
+        const Reason reason = builder.add(row);
+        return !reason || source.fail(source.place(), *reason);
     });
 }
 

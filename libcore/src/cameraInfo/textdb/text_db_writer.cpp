@@ -139,7 +139,7 @@ Rows rowsOf(const CameraDBData& data)
     }
     std::set<QString> rigNames;
     for (const auto& [name, rig] : data.rigs) {
-        if (faultOf(rig).isEmpty() && rigNames.insert(rig.name).second) {
+        if (!faultOf(rig) && rigNames.insert(rig.name).second) {
             appendRig(rig, rows);
         }
     }

@@ -8,6 +8,8 @@
 
 #include <QDomDocument>
 
+#include <optional>
+
 namespace lumo::kpx {
 namespace {
 
@@ -33,14 +35,14 @@ void moveIdentifier(Element& camera, Changes& changes)
     }
 }
 
-/// Why a camera model cannot be used; empty if it can.
-QString faultOf(const Element& camera)
+/// Why a camera model cannot be used, if it cannot.
+std::optional<QString> faultOf(const Element& camera)
 {
     constexpr std::size_t kLatestCameraDb = 19;
     QDomDocument document;
     const CameraData data = io::readCamera(toDom(document, camera), kLatestCameraDb);
     QString reason;
-    return data.params.valid(reason, true) ? QString() : reason;
+    return data.params.valid(reason, true) ? std::nullopt : std::optional(reason);
 }
 
 /// Before it was an attribute, whether the reference camera is adjusted was an element.
@@ -107,11 +109,10 @@ bool convertCamera(Element& camera, const Positions& positions, Changes& changes
     renameChildren(camera, &xml::renamedInCamera, changes);
     moveIdentifier(camera, changes);
     arrange(camera, positions, repeatable, changes);
-    const QString fault = faultOf(camera);
-    if (!fault.isEmpty()) {
+    if (const std::optional<QString> fault = faultOf(camera)) {
         const QString* const name = camera.attribute(QStringLiteral("name"));
         changes.dropped(
-            QStringLiteral("camera \"%1\"").arg(name != nullptr ? *name : QString()), fault,
+            QStringLiteral("camera \"%1\"").arg(name != nullptr ? *name : QString()), *fault,
             camera.line);
         return false;
     }

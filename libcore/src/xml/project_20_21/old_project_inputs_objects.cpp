@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <stdexcept>
 
 namespace lumo::kpx {
@@ -41,8 +42,8 @@ bool hasPosition(const Element& vertex)
     });
 }
 
-/// Why a user object cannot be converted; empty if it can.
-QString faultOf(const Element& object)
+/// Why a user object cannot be converted, if it cannot.
+std::optional<QString> faultOf(const Element& object)
 {
     const QString* const type = object.attribute(QStringLiteral("type"));
     const auto known =
@@ -62,9 +63,10 @@ QString faultOf(const Element& object)
         }
         vertices += isVertex ? 1 : 0;
     }
-    return vertices < known->minVertices || vertices > known->maxVertices
-               ? QStringLiteral("%1 vertices do not make a %2").arg(vertices).arg(*type)
-               : QString();
+    if (vertices < known->minVertices || vertices > known->maxVertices) {
+        return QStringLiteral("%1 vertices do not make a %2").arg(vertices).arg(*type);
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -93,11 +95,10 @@ void convertGcp(Element& gcp, Changes& changes)
 bool convertUserObject(Element& object, Changes& changes)
 {
     static const Positions positions{{"vertex", 0}};
-    const QString fault = faultOf(object);
-    if (!fault.isEmpty()) {
+    if (const std::optional<QString> fault = faultOf(object)) {
         const QString* const name = object.attribute(QStringLiteral("name"));
         changes.dropped(
-            QStringLiteral("userObject \"%1\"").arg(name != nullptr ? *name : QString()), fault,
+            QStringLiteral("userObject \"%1\"").arg(name != nullptr ? *name : QString()), *fault,
             object.line);
         return false;
     }

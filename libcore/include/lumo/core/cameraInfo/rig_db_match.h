@@ -42,7 +42,7 @@ struct LUMO_CORE_EXPORT RigDBMatch
 ///
 /// Two cameras fit unless a property that both have differs (strings ignoring
 /// case, bands by their names); a disabled camera has no properties. Cameras
-/// told apart by detection strings may be assigned in any order unless
+/// distinguished by detection strings may be assigned in any order unless
 /// `fixedOrder`; there must be as many as the rig has, and no two enabled ones
 /// of the rig or of the filter may share a detection string. Otherwise filter
 /// camera i is the rig's camera i, and the filter may have fewer cameras.

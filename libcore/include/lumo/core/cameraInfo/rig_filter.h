@@ -35,7 +35,7 @@ struct LUMO_CORE_EXPORT rig_filter_t
     /// Whether a rig can be looked for: two or more cameras are enabled, each
     /// with an EXIF string.
     /// \param[out] serialSeen  some enabled camera has a serial number
-    /// \param[out] uniqueDirOrPrefix  cameras are told apart by detection
+    /// \param[out] uniqueDirOrPrefix  cameras are distinguished by detection
     ///     strings, and no two enabled cameras share one (case-sensitive).
     ///     Checking stops at the first camera without EXIF string: both results then
     ///     cover the cameras before it, and `serialSeen` also that camera's serial

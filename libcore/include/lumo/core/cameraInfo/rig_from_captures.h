@@ -23,7 +23,7 @@ class CameraModelDb;
 /// is the one that the metadata name, else the first.
 /// \param[out] rig    replaced on success, untouched on failure
 /// \param[out] error  on failure why, else untouched: no capture of two images or
-///     more, two cameras that cannot be told apart, or captures that disagree
+///     more, two cameras that cannot be distinguished, or captures that disagree
 [[nodiscard]] LUMO_CORE_EXPORT bool makeRigFromCaptures(
     const std::vector<Capture>& captures, const CameraModelDb& database, const QString& name,
     RigModel& rig, QString& error);
