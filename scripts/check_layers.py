@@ -56,7 +56,9 @@ CORE_ROOMS = {
     "cameraInfo/captures": ["cameraInfo/store"],
     "cameraInfo/identify": ["cameraInfo/store", "specificSensor"],
     "services": ["cameraInfo/identify", "cameraInfo/captures", "cameraInfo/files", "xml"],
-    "init": ["services"],
+    "init/points": [],
+    "init/similarity": ["init/points"],
+    "init": ["services", "init/similarity"],
 }
 # Public headers that have no source file of their name.
 HEADERS_ALONE = {
