@@ -55,6 +55,13 @@ ExifInfo asStored(const char* model, std::size_t width, std::size_t height)
     return exifOf(model, width, height, width, height);
 }
 
+ExifInfo edited(ExifInfo exif)
+{
+    exif.software = "Adobe Photoshop 22.1";
+    exif.sizeStated = true;
+    return exif;
+}
+
 struct Case
 {
     const char* name;
@@ -112,6 +119,10 @@ TEST(IdentifyImage, PixelSizeAndModeFollowFromTheSizes)
          0, From::None, Mode::Unknown},
         {"the maker alone", makerOnly, 17, From::Estimated, Mode::Native},
         {"the maker alone, of another size", otherMakerSize, 0, From::None, Mode::Unknown},
+        {"an editor wrote it", withFocalPlane(edited(asStored("Else", 2000, 1500)), 500), 2.0,
+         From::FocalPlane, Mode::Unknown},
+        {"pixels that no camera has", withFocalPlane(asStored("Else", 2000, 1500), 1000 / 15.0),
+         15.0, From::FocalPlane, Mode::Resized},
         {"unknown, no evidence", asStored("Else", 2000, 1500), 0, From::None, Mode::Unknown},
     };
     for (const Case& test : cases) {
@@ -142,13 +153,56 @@ TEST(IdentifyImage, WhatSpeaksAgainstThePixelSizeIsSaid)
     EXPECT_EQ(disagreements(withFocalPlane(exif, 1000 / 1.56), models), QStringList());
     EXPECT_EQ(
         disagreements(withFocalPlane(exif, 1000 / 1.6), models),
-        QStringList("the pixel size is 1.5 um by database, but 1.6 um by focalPlane"));
+        QStringList(
+            "the pixel size is 1.5 um by database, but 1.6 um by focalPlane, 4.6 sigma off"));
+    EXPECT_EQ(
+        disagreements(withFocalPlane(exif, 1), models),
+        QStringList("the pixel size is 1.5 um by database, but 1000 um by focalPlane, 459.8 sigma "
+                    "off (refused: the sensor would be 4000 mm long)"));
     ExifInfo zoomed = exif;
     zoomed.digitalZoom = 2;
     EXPECT_EQ(disagreements(zoomed, models).size(), 1);
+    // The table has 7.44 mm x 5.573 mm for the colour camera of this name.
+    ExifInfo thermal = withFocalLength(asStored("Canon PowerShot G9", 640, 512), 9.1);
+    thermal.make = "Canon";
+    const CameraModelFromDB own = modelOf("Canon PowerShot G9_9.1_640x512", 17.0);
+    EXPECT_EQ(disagreements(thermal, {own}).size(), 1);
+    EXPECT_EQ(
+        disagreements(thermal, {own, modelOf("Canon PowerShot G9_7.4_4000x3000", 1.86)}),
+        QStringList());
     const QStringList ofMaker = disagreements(asStored("", 640, 512), models);
     ASSERT_EQ(ofMaker.size(), 1);
     EXPECT_TRUE(ofMaker[0].contains("Maker_9.0_640x512")) << ofMaker[0].toStdString();
+}
+
+// The table of sensor sizes has 7.44 mm x 5.573 mm for this camera.
+TEST(IdentifyImage, TheTableAloneDoesNotCountWhereItMayBeOfAnotherCamera)
+{
+    struct TableCase
+    {
+        const char* what;
+        const char* model; ///< of the database
+        double pixelsPerMm;
+        double pixelSizeUm;
+        double sigmaUm;
+    };
+    const TableCase cases[] = {
+        {"a name that the database does not know", "Other_5.0_4000x3000", 0.0, 1.858, 0.0186},
+        {"no size or focal length of the database fits", "Canon PowerShot G9_9.0_640x512", 0.0, 0.0,
+         0.0},
+        {"another source decides, and the interval covers the table",
+         "Canon PowerShot G9_9.0_640x512", 800.0, 1.25, 0.1585}};
+    for (const TableCase& c : cases) {
+        ExifInfo exif = asStored("Canon PowerShot G9", 4000, 3000);
+        exif.make = "Canon";
+        if (c.pixelsPerMm > 0.0) {
+            exif = withFocalPlane(exif, c.pixelsPerMm);
+        }
+        const ImageIdentification found =
+            identifyImage(exif, databaseWith({modelOf(c.model, 12.0)}));
+        EXPECT_NEAR(found.camera.params.pixelSize * 1000, c.pixelSizeUm, 1e-3) << c.what;
+        EXPECT_NEAR(found.pixelSizeSigmaMm * 1000, c.sigmaUm, 1e-3) << c.what;
+    }
 }
 
 TEST(IdentifyImage, ACropIsTakenForCentred)

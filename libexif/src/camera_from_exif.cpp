@@ -4,9 +4,11 @@
 #include "calibrated_lens.h"
 #include "lumo/cameradata/camera_name.h"
 #include "lumo/foundation/log.h"
+#include "pixel_size_angle.h"
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace lumo {
 namespace exif {
@@ -20,18 +22,22 @@ QString cameraName(const ExifID& id)
     return validCameraName(id.second) ? id.second : QString();
 }
 
-/// The first evidence that is believed; source None if there is none.
-PixelSizeEvidence bestEvidence(const ExifInfo& exif)
+CombinedPixelSize combined(const ExifInfo& exif)
 {
-    for (const PixelSizeEvidence& evidence : findPixelSizeEvidence(exif)) {
-        if (evidence.doubt.isEmpty()) {
-            return evidence;
+    constexpr double kSaid = 3.0;
+    const auto all = findPixelSizeEvidence(exif);
+    const CombinedPixelSize result = combinePixelSizes(all);
+    for (const PixelSizeEvidence& evidence : all) {
+        const double off = result.pixelSizeMm > 0.0
+                               ? sigmasApart(evidence, result.pixelSizeMm, result.sigmaWithoutDoubt)
+                               : 0.0;
+        if (off > kSaid || !evidence.doubt.isEmpty()) {
+            log::info() << exif.make << exif.model << "pixel size" << evidence.pixelSizeMm * 1000.0
+                        << "um of" << text::toString(evidence.source) << "is" << off << "sigma off"
+                        << evidence.doubt;
         }
-        log::info() << exif.make << exif.model << "pixel size" << evidence.pixelSizeMm * 1000.0
-                    << "um of" << text::toString(evidence.source)
-                    << "is not used:" << evidence.doubt;
     }
-    return {};
+    return result;
 }
 
 /// The polynomial over the recorded picture, in pixels from its upper left corner.
@@ -57,6 +63,16 @@ void setVignetting(const ExifInfo& exif, CameraParams& params)
     params.vignetting[key] = VignettingData(coefficients, 0.0, 0.0, VignettingType::Polynomial);
 }
 
+/// An equidistant lens: c pixels to 90 degrees from the axis.
+void setFisheye(const ExifInfo& exif, CameraParams& params)
+{
+    params.lensType = LensType::Fisheye;
+    if (params.pixelSize > 0.0 && exif.focalLengthMm > 0.0) {
+        const double c = 0.5 * std::numbers::pi * exif.focalLengthMm / params.pixelSize;
+        params.fisheye.setAffine(true, c, 0.0, 0.0, c);
+    }
+}
+
 } // namespace
 
 CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm)
@@ -68,7 +84,11 @@ CameraData makeCamera(const ExifInfo& exif, double pixelSizeMm)
     camera.params.setPrincipalPointPixel(
         {0.5 * static_cast<double>(exif.imageWidth), 0.5 * static_cast<double>(exif.imageHeight)});
     camera.params.perspective.focalLengthMm = exif.focalLengthMm;
-    camera.params.lensType = exif.spherical ? LensType::Spherical : LensType::Perspective;
+    if (exif.spherical) {
+        camera.params.lensType = LensType::Spherical;
+    } else if (exif.focalLength35Mm > 0.0 && exif.focalLength35Mm < kWidestPerspective35Mm) {
+        setFisheye(exif, camera.params);
+    }
     camera.params.source = CameraSource::Exif;
     camera.params.lineReadoutTime = exif.lineReadoutTimeMs;
     setVignetting(exif, camera.params);
@@ -100,14 +120,14 @@ bool getCamera(const ExifInfo& exif, CameraData& camera, PixelSizeSource* from, 
         error = QStringLiteral("the metadata hold no focal length");
         return false;
     }
-    const PixelSizeEvidence evidence = bestEvidence(exif);
-    if (evidence.source == PixelSizeSource::None) {
+    const CombinedPixelSize evidence = combined(exif);
+    if (evidence.from == PixelSizeSource::None) {
         error = QStringLiteral("the metadata yield no pixel size");
         return false;
     }
     camera = makeCamera(exif, evidence.pixelSizeMm);
     if (from != nullptr) {
-        *from = evidence.source;
+        *from = evidence.from;
     }
     return true;
 }
@@ -125,6 +145,8 @@ QString text::toString(exif::PixelSizeSource source)
         return QStringLiteral("focal35mm");
     case exif::PixelSizeSource::Calibration:
         return QStringLiteral("calibration");
+    case exif::PixelSizeSource::FieldOfView:
+        return QStringLiteral("fieldOfView");
     case exif::PixelSizeSource::None:
         break;
     }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 namespace lumo::exif {
 namespace {
@@ -146,88 +147,190 @@ TEST(PixelSize, ASensorSizeInPlaceOfTheResolutionIsUnderstood)
     EXPECT_NEAR(evidence[0].pixelSizeMm, 0.017, 1e-9);
 }
 
-TEST(PixelSize, SourcesThatContradictEachOtherAreWeighed)
+/// A statement about a pixel size of 2 um, `off` times as large.
+PixelSizeEvidence evidenceOf(PixelSizeSource source, double off, double sigma, double wrongShare)
 {
+    PixelSizeEvidence evidence{source, 0.002 * off};
+    evidence.sigma = sigma;
+    evidence.wrongShare = wrongShare;
+    return evidence;
+}
+
+TEST(PixelSize, EvidenceIsCombinedByWeightAndDoubtWidensTheInterval)
+{
+    using Source = PixelSizeSource;
+    const PixelSizeEvidence table = evidenceOf(Source::SensorTable, 1.0, 0.01, 0.04);
+    const PixelSizeEvidence plane = evidenceOf(Source::FocalPlane, 1.01, 0.01, 0.06);
+    const PixelSizeEvidence coarse = evidenceOf(Source::Focal35mm, 1.04, 0.03, 0.05);
+    PixelSizeEvidence absurd = evidenceOf(Source::FocalPlane, 9.0, 0.01, 0.06);
+    absurd.doubt = QStringLiteral("absurd");
     struct Case
     {
         const char* what;
-        ExifInfo exif;
-        double planeMm;      ///< 0: no such tag
-        double equivalentMm; ///< the pixel size that the 35 mm equivalent yields
-        PixelSizeSource believed;
+        std::vector<PixelSizeEvidence> evidence;
+        double times; ///< of 2 um; 0: none
+        double fewestSigma;
+        double mostSigma;
+        Source from;
     };
-    const double listed = 7.44 / 2000;
     const Case cases[] = {
-        {"scaled after the tag was written", listedCamera(2000, 1500), 0.5 * listed, 0.0,
-         PixelSizeSource::SensorTable},
-        {"the table is alone", listedCamera(2000, 1500), 0.75 * listed, 0.7 * listed,
-         PixelSizeSource::FocalPlane},
-        {"little difference", listedCamera(2000, 1500), 0.9 * listed, 0.0,
-         PixelSizeSource::FocalPlane},
-        {"scaled, not in the table", unlistedCamera(), 0.00075, 0.0015, PixelSizeSource::Focal35mm},
-        {"coarse equivalent", unlistedCamera(), 0.0015, 0.0020, PixelSizeSource::FocalPlane},
-        {"another camera of the product", listedCamera(640, 512), 0.0, 0.014,
-         PixelSizeSource::Focal35mm},
-        {"square crop", listedCamera(3000, 3000), 0.0, 0.0023, PixelSizeSource::SensorTable}};
+        {"nothing", {}, 0.0, 0.0, 0.0, Source::None},
+        {"one", {coarse}, 1.04, 0.029, 0.031, Source::Focal35mm},
+        {"two of equal weight",
+         {table, plane},
+         std::sqrt(1.01),
+         0.007,
+         0.0072,
+         Source::SensorTable},
+        {"a coarse one confirms", {table, coarse}, 1.0, 0.0099, 0.0101, Source::SensorTable},
+        {"a doubted one", {absurd, table}, 1.0, 0.0099, 0.0101, Source::SensorTable},
+        {"two against one",
+         {evidenceOf(Source::SensorTable, 1.7, 0.01, 0.04), plane,
+          evidenceOf(Source::Calibration, 1.0, 0.02, 0.03)},
+         std::pow(1.01, 0.8),
+         0.0089,
+         0.0101,
+         Source::FocalPlane},
+        {"one against one",
+         {table, evidenceOf(Source::FocalPlane, 1.4, 0.01, 0.06)},
+         1.0,
+         0.1,
+         0.3,
+         Source::SensorTable},
+        {"one that is doubtful",
+         {evidenceOf(Source::SensorTable, 1.0, 0.01, 0.3)},
+         1.0,
+         0.1,
+         0.3,
+         Source::SensorTable},
+        {"one that is likely wrong",
+         {evidenceOf(Source::SensorTable, 1.0, 0.01, 0.5)},
+         0.0,
+         0.0,
+         0.0,
+         Source::None},
+        {"an origin counts once",
+         {evidenceOf(Source::FieldOfView, 1.0, 0.02, 0.05),
+          evidenceOf(Source::Focal35mm, 1.02, 0.025, 0.05)},
+         1.0,
+         0.0199,
+         0.0201,
+         Source::FieldOfView}};
     for (const Case& c : cases) {
-        ExifInfo exif = c.exif;
-        exif.focalPlane.reset();
-        if (c.planeMm > 0.0) {
-            exif.focalPlane = FocalPlaneResolution{1.0 / c.planeMm, 1.0 / c.planeMm};
+        const CombinedPixelSize found = combinePixelSizes(c.evidence);
+        EXPECT_NEAR(found.pixelSizeMm, 0.002 * c.times, 1e-7) << c.what;
+        EXPECT_GE(found.sigma, c.fewestSigma) << c.what;
+        EXPECT_LE(found.sigma, c.mostSigma) << c.what;
+        EXPECT_EQ(text::toString(found.from), text::toString(c.from)) << c.what;
+    }
+    EXPECT_NEAR(sigmasApart(plane, 0.002, 0.01), std::log(1.01) / std::hypot(0.01, 0.01), 1e-9);
+}
+
+struct Rule
+{
+    const char* what;
+    ExifInfo exif;
+    PixelSizeSource source;
+    double pixelSizeMm; ///< 0: the source tells nothing
+    double sigma;
+};
+
+ExifInfo changed(ExifInfo exif, void (*change)(ExifInfo&))
+{
+    change(exif);
+    return exif;
+}
+
+// Each is a rule that was wrong on files of the field.
+TEST(PixelSize, EachSourceKnowsItsConventionsAndItsError)
+{
+    using Source = PixelSizeSource;
+    ExifInfo bare = unlistedCamera();
+    bare.focalPlane.reset();
+    const auto equivalent = [&](double mm, double equivalentMm) {
+        ExifInfo exif = bare;
+        exif.focalLengthMm = mm;
+        exif.focalLength35Mm = equivalentMm;
+        return exif;
+    };
+    ExifInfo classOfSensor = equivalent(24.0, 36.0);
+    classOfSensor.imageWidth = 6000;
+    classOfSensor.imageHeight = 4000;
+    ExifInfo wide = equivalent(3.61, 20.0);
+    wide.imageHeight = 2250;
+    ExifInfo angle = bare;
+    angle.focalLengthMm = 6.7;
+    angle.fieldOfView = FieldOfView{53.13, 0.0, 0.0};
+    ExifInfo sphere = bare;
+    sphere.spherical = true;
+    ExifInfo diagonal = bare;
+    diagonal.sensorDiagonalMm = 7.5;
+    ExifInfo design = bare;
+    design.calibration.emplace();
+    design.calibration->focalLengthPx = 2500.0;
+    design.calibration->nominalFocalLengthPx = 2000.0;
+    ExifInfo zoomed = listedCamera(4000, 3000);
+    zoomed.focalLengthMm = 7.44;
+    zoomed.focalLength35Mm = 69.2; // of the middle half of the sensor
+    zoomed.digitalZoom = 2.0;
+    ExifInfo unzoomed = zoomed;
+    unzoomed.focalLength35Mm = 34.6;
+    const double nominal = std::hypot(0.022, 0.289 / 28.8, 0.0072);
+    const Rule rules[] = {
+        {"35 mm equivalent", equivalent(4.0, 28.8), Source::Focal35mm, 0.0012019, 0.0},
+        {"rounded focal length", equivalent(4.2, 28.8), Source::Focal35mm, 0.0012620, nominal},
+        {"a factor of 1.5 is 1.535", classOfSensor, Source::Focal35mm, 0.0039088, 0.012},
+        {"16:9 of a 4:3 sensor", wide, Source::Focal35mm, 0.0016305, 0.0502},
+        {"angle", angle, Source::FieldOfView, 0.001675, 0.0205},
+        {"sphere", sphere, Source::FieldOfView, 0.0062832, 0.001},
+        {"diagonal", diagonal, Source::FocalPlane, 0.0015, 0.01},
+        {"the design's focal length", design, Source::Calibration, 0.002, 0.0729},
+        {"editors keep the tag",
+         changed(unlistedCamera(), [](ExifInfo& e) { e.software = "GIMP"; }), Source::FocalPlane,
+         0.0015, 0.01},
+        {"zoomed", zoomed, Source::SensorTable, 5.573 / 6000, 0.01},
+        {"a zoom that explains nothing", unzoomed, Source::SensorTable, 5.573 / 3000, 0.01}};
+    for (const Rule& rule : rules) {
+        bool found = false;
+        for (const PixelSizeEvidence& each : findPixelSizeEvidence(rule.exif)) {
+            if (each.source == rule.source) {
+                found = true;
+                EXPECT_NEAR(each.pixelSizeMm, rule.pixelSizeMm, 0.001 * rule.pixelSizeMm)
+                    << rule.what;
+                EXPECT_EQ(each.doubt, QString()) << rule.what;
+                EXPECT_FALSE(each.formula.isEmpty() || each.reason.isEmpty()) << rule.what;
+                if (rule.sigma > 0.0) {
+                    EXPECT_NEAR(each.sigma, rule.sigma, 0.02 * rule.sigma) << rule.what;
+                }
+            }
         }
-        if (c.equivalentMm > 0.0) {
-            const double diagonalPixels = std::hypot(exif.imageWidth, exif.imageHeight);
-            exif.focalLength35Mm = 43.2666 * exif.focalLengthMm / (c.equivalentMm * diagonalPixels);
-        }
-        CameraData camera;
-        PixelSizeSource from = PixelSizeSource::None;
-        QString error;
-        ASSERT_TRUE(getCamera(exif, camera, &from, error)) << c.what;
-        EXPECT_EQ(from, c.believed) << c.what;
-        const double expected = from == PixelSizeSource::FocalPlane  ? c.planeMm
-                                : from == PixelSizeSource::Focal35mm ? c.equivalentMm
-                                                                     : camera.params.pixelSize;
-        EXPECT_NEAR(camera.params.pixelSize, expected, 1e-4 * expected) << c.what;
+        EXPECT_TRUE(found) << rule.what;
     }
 }
 
-TEST(PixelSize, ACalibrationInPixelsIsWeighedWithTheOthers)
+TEST(PixelSize, TheTableIsDoubtedWhereAProductHasSeveralCameras)
 {
     struct Case
     {
         const char* what;
-        double calibratedPx; ///< 4 mm / 1.5 um is 2666.7
-        double designPx;
-        double planeMm;
-        double focal35Mm; ///< 28.8 for 1.5 um
-        PixelSizeSource believed;
-        double pixelSizeMm;
+        std::size_t width;
+        std::size_t height;
+        bool bandsNamed;
+        double leastWrong;
     };
-    const PixelSizeSource calibration = PixelSizeSource::Calibration;
     const Case cases[] = {
-        {"alone", 2500.0, 0.0, 0.0, 0.0, calibration, 0.0016},
-        {"the design's counts", 2500.0, 2000.0, 0.0, 0.0, calibration, 0.002},
-        {"the tag is finer", 2500.0, 0.0, 0.0015, 0.0, PixelSizeSource::FocalPlane, 0.0015},
-        {"supported", 2500.0, 0.0, 0.003, 28.8, calibration, 0.0016},
-        {"contradicted", 1333.3, 0.0, 0.0, 28.8, PixelSizeSource::Focal35mm, 0.0015},
-        {"absurd", 100000.0, 0.0, 0.0, 0.0, PixelSizeSource::None, 0.0}};
+        {"the whole sensor", 4000, 3000, false, 0.0},
+        {"a detector", 640, 512, false, 0.5},
+        {"narrower than the sensor", 3600, 3000, false, 0.2},
+        {"bands", 4000, 3000, true, 0.2}};
     for (const Case& c : cases) {
-        ExifInfo exif = unlistedCamera();
-        exif.focalPlane.reset();
-        if (c.planeMm > 0.0) {
-            exif.focalPlane = FocalPlaneResolution{1.0 / c.planeMm, 1.0 / c.planeMm};
-        }
-        exif.focalLength35Mm = 43.2666 * 4.0 / (0.0015 * 5000.0) * c.focal35Mm / 28.8;
-        exif.calibration.emplace();
-        exif.calibration->focalLengthPx = c.calibratedPx;
-        exif.calibration->nominalFocalLengthPx = c.designPx;
-        CameraData camera;
-        PixelSizeSource from = PixelSizeSource::None;
-        QString error;
-        EXPECT_EQ(getCamera(exif, camera, &from, error), c.believed != PixelSizeSource::None)
-            << c.what;
-        EXPECT_EQ(text::toString(from), text::toString(c.believed)) << c.what;
-        EXPECT_NEAR(camera.params.pixelSize, c.pixelSizeMm, 1e-6) << c.what;
+        ExifInfo exif = listedCamera(c.width, c.height);
+        exif.bandsNamed = c.bandsNamed;
+        const auto evidence = findPixelSizeEvidence(exif);
+        ASSERT_EQ(evidence.size(), 1U) << c.what;
+        EXPECT_GE(evidence[0].wrongShare, c.leastWrong) << c.what;
+        const CombinedPixelSize found = combinePixelSizes(evidence);
+        EXPECT_EQ(found.pixelSizeMm > 0.0 && found.sigma < 0.02, c.leastWrong == 0.0) << c.what;
     }
 }
 
@@ -241,6 +344,11 @@ TEST(PixelSize, TheEquivalentOfAFisheyeIsNotBelieved)
         const auto evidence = findPixelSizeEvidence(exif);
         ASSERT_EQ(evidence.size(), 1U);
         EXPECT_EQ(evidence[0].doubt.isEmpty(), believed) << equivalent;
+        const CameraParams lens = makeCamera(exif, 0.001).params;
+        EXPECT_EQ(lens.lensType == LensType::Fisheye, !believed) << equivalent;
+        if (!believed) { // a quarter of a circle of 0.8 mm
+            EXPECT_NEAR(lens.pixel2mm(lens.fisheye.c), 0.8 * std::acos(0.0), 1e-9);
+        }
     }
 }
 

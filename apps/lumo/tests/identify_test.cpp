@@ -52,6 +52,7 @@ TEST(Identify, ARecordSaysWhatTheImageAndTheDatabaseHold)
         {"nativeHeight", 3648},
         {"mode", "resized"},
         {"pixelSizeUm", 4.8},
+        {"pixelSizeSigmaUm", 0.048},
         {"pixelSizeFrom", "database"},
         {"focalLengthMm", 8.8},
         {"lens", "perspective"},

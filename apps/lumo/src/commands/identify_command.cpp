@@ -46,6 +46,7 @@ QJsonObject toJson(const QString& file, const ExifInfo& exif, const ImageIdentif
     record["nativeHeight"] = static_cast<qint64>(exif.imageHeight);
     record["mode"] = toString(found.mode);
     record["pixelSizeUm"] = shownNumber(found.camera.params.pixelSize * kMicrometresPerMillimetre);
+    record["pixelSizeSigmaUm"] = shownNumber(found.pixelSizeSigmaMm * kMicrometresPerMillimetre);
     record["pixelSizeFrom"] = toString(found.pixelSizeFrom);
     record["focalLengthMm"] = shownNumber(focalLengthMm(exif, found));
     record["lens"] = text::toString(found.camera.params.lensType);

@@ -9,10 +9,21 @@
 namespace lumo::program {
 namespace {
 
-/// What a claim rests on, or why it was thrown out.
+/// How a claim was computed, and why it was refused.
 QString remark(const PixelSizeClaim& claim)
 {
-    return claim.doubt.isEmpty() ? claim.model : claim.doubt;
+    return claim.doubt.isEmpty() ? claim.formula
+                                 : QStringLiteral("%1: %2").arg(claim.doubt, claim.formula);
+}
+
+/// The verdict, with the distance to the pixel size where one is meant.
+QString verdict(const PixelSizeClaim& claim)
+{
+    return claim.sigmasOff > 0.0 && claim.verdict != ClaimVerdict::Taken
+               ? QStringLiteral("%1, %2 sigma")
+                     .arg(toString(claim.verdict))
+                     .arg(claim.sigmasOff, 0, 'f', 1)
+               : toString(claim.verdict);
 }
 
 QString databaseText(const CandidateModel& candidate)
@@ -53,8 +64,12 @@ QJsonObject explanationJson(
         evidence.append(QJsonObject{
             {"from", toString(claim.from)},
             {"pixelSizeUm", shownNumber(claim.pixelSizeMm * kMicrometresPerMillimetre)},
+            {"sigmaUm", shownNumber(claim.sigmaMm * kMicrometresPerMillimetre)},
+            {"sigmaReason", claim.reason},
+            {"formula", claim.formula},
             {"verdict", toString(claim.verdict)},
-            {"remark", remark(claim)}});
+            {"sigmasOff", shownNumber(claim.sigmasOff)},
+            {"remark", claim.doubt}});
     }
     return {{"candidates", models}, {"evidence", evidence}, {"mode", found.modeReason}};
 }
@@ -68,7 +83,9 @@ QString explanationText(
     text += indented(
         {{"camera", found.modelName.isEmpty() ? QStringLiteral("none") : found.modelName,
           found.source ? text::toString(*found.source) : QStringLiteral("none")},
-         {"pixel um", size.isEmpty() ? QStringLiteral("none") : size,
+         {"pixel um",
+          size.isEmpty() ? QStringLiteral("none")
+                         : QStringLiteral("%1 +- %2").arg(size, shownSize(found.pixelSizeSigmaMm)),
           found.reason.isEmpty() ? toString(found.pixelSizeFrom) : found.reason},
          {"mode", toString(found.mode), found.modeReason}});
     std::vector<QStringList> rows{{"candidate", "database", "verdict", "rule"}};
@@ -85,11 +102,11 @@ QString explanationText(
     if (rows.size() > 1) {
         text += indented(rows);
     }
-    rows = {{"evidence", "pixel um", "verdict", "remark"}};
+    rows = {{"evidence", "pixel um", "sigma um", "verdict", "how", "sigma is of"}};
     for (const PixelSizeClaim& claim : found.evidence) {
         rows.push_back(
-            {toString(claim.from), shownSize(claim.pixelSizeMm), toString(claim.verdict),
-             remark(claim)});
+            {toString(claim.from), shownSize(claim.pixelSizeMm), shownSize(claim.sigmaMm),
+             verdict(claim), remark(claim), claim.reason});
     }
     if (rows.size() > 1) {
         text += indented(rows);

@@ -2,34 +2,19 @@
 #include "lumo/core/cameraInfo/image_identification.h"
 
 #include "cameraInfo/identify/known_modes.h"
+#include "cameraInfo/identify/pixel_size_claims.h"
 #include "cameraInfo/identify/recorded_mode.h"
 #include "cameraInfo/identify/size_change.h"
 #include "cameraInfo/identify/without_debug_lines.h"
 #include "lumo/core/cameraInfo/camera_model_db.h"
 #include "lumo/exif/camera_from_exif.h"
+#include "lumo/exif/sensor_size_table.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace lumo {
 namespace {
-
-PixelSizeOrigin originOf(exif::PixelSizeSource source)
-{
-    switch (source) {
-    case exif::PixelSizeSource::FocalPlane:
-        return PixelSizeOrigin::FocalPlane;
-    case exif::PixelSizeSource::SensorTable:
-        return PixelSizeOrigin::SensorTable;
-    case exif::PixelSizeSource::Focal35mm:
-        return PixelSizeOrigin::Focal35mm;
-    case exif::PixelSizeSource::Calibration:
-        return PixelSizeOrigin::Calibration;
-    case exif::PixelSizeSource::None:
-        break;
-    }
-    return PixelSizeOrigin::None;
-}
 
 /// The identifier of the model that was found; nothing if none was.
 std::optional<QString> takeFromDatabase(
@@ -74,44 +59,40 @@ double atRecordedSize(const CameraParams& model, const ExifInfo& exif)
     return model.pixelSize * (known ? compareSizes(sizeOf(model), recordedSize(exif)).scale : 1.0);
 }
 
-void addClaims(
-    const std::vector<exif::PixelSizeEvidence>& evidence, std::vector<PixelSizeClaim>& claims)
+/// The name of the database's camera that the table's row describes; empty if it has none.
+QString cameraOfTable(const std::vector<KnownMode>& modes, const ExifInfo& exif)
 {
-    for (const exif::PixelSizeEvidence& each : evidence) {
-        claims.push_back({originOf(each.source), each.pixelSizeMm, {}, each.doubt});
+    constexpr double kSameSensor = 0.03;
+    const auto sensor = exif::findSensorSize(exif.make, exif.model);
+    for (const KnownMode& mode : modes) {
+        if (sensor && std::abs(mode.widthMm() / sensor->widthMm - 1.0) <= kSameSensor) {
+            return mode.name;
+        }
     }
+    return {};
 }
 
-/// Takes the first claim that was not refused, and compares the others with it.
-/// \returns  null if all were refused
-const PixelSizeClaim* judge(std::vector<PixelSizeClaim>& claims)
+/// The table of sensor sizes knows one camera of a name. Where the database knows several, or
+/// none that fits the image, the table's is likely another one. Where it is known to be
+/// another one, it tells nothing about this image.
+void doubtTable(
+    const std::vector<KnownMode>& modes, const ExifInfo& exif, const KnownPixelSize& known,
+    std::vector<exif::PixelSizeEvidence>& evidence)
 {
-    constexpr double kAgree = 0.05; // rounded EXIF values reach a few per cent
-    const PixelSizeClaim* taken = nullptr;
-    for (PixelSizeClaim& claim : claims) {
-        if (!claim.doubt.isEmpty()) {
+    constexpr double kWrongShare = 0.5;
+    constexpr double kFarOff = 1.05;
+    const QString other = cameraOfTable(modes, exif);
+    for (exif::PixelSizeEvidence& each : evidence) {
+        if (each.source != exif::PixelSizeSource::SensorTable) {
             continue;
         }
-        if (taken == nullptr) {
-            claim.verdict = ClaimVerdict::Taken;
-            taken = &claim;
+        const double off = known.pixelSizeMm / each.pixelSizeMm;
+        if (known.pixelSizeMm > 0.0 && std::max(off, 1.0 / off) > kFarOff && !other.isEmpty() &&
+            other != known.model) {
+            each.wrongShare = 1.0;
+            each.doubt = QStringLiteral("of another camera of this name, %1").arg(other);
         } else {
-            claim.verdict = std::abs(claim.pixelSizeMm / taken->pixelSizeMm - 1.0) <= kAgree
-                                ? ClaimVerdict::Agrees
-                                : ClaimVerdict::Disagrees;
-        }
-    }
-    return taken;
-}
-
-/// Refuses the table of sensor sizes: it lists one camera of a name, and where several
-/// cameras share the name it may list another one than the image's.
-void doubtTable(std::vector<PixelSizeClaim>& claims)
-{
-    for (PixelSizeClaim& claim : claims) {
-        if (claim.from == PixelSizeOrigin::SensorTable && claim.doubt.isEmpty()) {
-            claim.doubt =
-                QStringLiteral("several cameras have this name, but the table lists only one");
+            each.wrongShare = std::max(each.wrongShare, kWrongShare);
         }
     }
 }
@@ -125,7 +106,7 @@ void takeFromMetadata(
     if (result.camera.incomplete()) {
         CameraData unused;
         if (exif::getCamera(exif, unused, nullptr, result.reason)) {
-            result.reason = QStringLiteral("the metadata yield no camera");
+            result.reason = QStringLiteral("the metadata yield no pixel size to rely on");
         }
     } else {
         result.source = database.calcCameraSource(result.camera, exif);
@@ -133,23 +114,21 @@ void takeFromMetadata(
 }
 
 QStringList findDisagreements(
-    const ExifInfo& exif, const std::vector<PixelSizeClaim>& claims, const PixelSizeClaim& taken)
+    const ExifInfo& exif, const JudgedPixelSize& judged, const RecordedMode& mode)
 {
     constexpr double kZoomed = 1.01; // cameras write 1 as a fraction that may be rounded
-    QStringList result;
-    for (const PixelSizeClaim& claim : claims) {
-        if (claim.verdict == ClaimVerdict::Disagrees) {
-            result.append(QStringLiteral("the pixel size is %1 um by %2, but %3 um by %4")
-                              .arg(taken.pixelSizeMm * 1000.0, 0, 'g', 4)
-                              .arg(toString(taken.from))
-                              .arg(claim.pixelSizeMm * 1000.0, 0, 'g', 4)
-                              .arg(toString(claim.from)));
-        }
-    }
-    if (exif.digitalZoom > kZoomed) {
+    QStringList result = contradictions(judged);
+    const bool isZoomExplained =
+        std::any_of(judged.claims.begin(), judged.claims.end(), [](const PixelSizeClaim& claim) {
+            return claim.formula.contains(QLatin1String("digital zoom"));
+        });
+    if (exif.digitalZoom > kZoomed && !isZoomExplained) {
         result.append(
             QStringLiteral("the digital zoom was %1: the pixels may be smaller by this factor")
                 .arg(exif.digitalZoom));
+    }
+    if (!mode.caution.isEmpty()) {
+        result.append(mode.caution);
     }
     return result;
 }
@@ -203,10 +182,18 @@ void fitToFile(const SizeChange& change, PictureSize file, CameraParams& params)
     }
 }
 
+/// Pixels that only detectors of few pixels have (thermal ones, up to 25 um).
+bool isTooCoarse(const ExifInfo& exif, double pixelSizeMm)
+{
+    constexpr double kCoarsestMm = 0.013;
+    constexpr std::size_t kDetectorPixels = 1280 * 1024;
+    return pixelSizeMm > kCoarsestMm && exif.imageWidth * exif.imageHeight > kDetectorPixels;
+}
+
 /// Sets the mode. A change between recorded picture and file is reported first, because
 /// it hides what the camera did.
 void setMode(
-    const SizeChange& change, const RecordedMode& recorded, bool sizeStated,
+    const SizeChange& change, const RecordedMode& recorded, const ExifInfo& exif, bool sizeStated,
     ImageIdentification& result)
 {
     if (change.mode != ImageMode::Native) {
@@ -217,6 +204,13 @@ void setMode(
     } else if (!recorded.reason.isEmpty()) {
         result.mode = recorded.mode;
         result.modeReason = recorded.reason;
+    } else if (exif::isEdited(exif)) {
+        result.mode = ImageMode::Unknown;
+        result.modeReason = QStringLiteral("an editor wrote the file: %1").arg(exif.software);
+    } else if (isTooCoarse(exif, result.camera.params.pixelSize)) {
+        result.mode = ImageMode::Resized;
+        result.modeReason = QStringLiteral("cameras have no pixels of %1 um")
+                                .arg(result.camera.params.pixelSize * 1000.0, 0, 'f', 1);
     } else {
         result.mode = sizeStated ? ImageMode::Native : ImageMode::Unknown;
         result.modeReason =
@@ -243,6 +237,8 @@ QString toString(PixelSizeOrigin origin)
         return QStringLiteral("sensorTable");
     case PixelSizeOrigin::Focal35mm:
         return QStringLiteral("focal35mm");
+    case PixelSizeOrigin::FieldOfView:
+        return QStringLiteral("fieldOfView");
     case PixelSizeOrigin::None:
         break;
     }
@@ -280,41 +276,35 @@ ImageIdentification ImageIdentifier::identify(const ExifInfo& recorded) const
     result.width = file.width;
     result.height = file.height;
 
-    const auto evidence = exif::findPixelSizeEvidence(exif);
+    auto evidence = exif::findPixelSizeEvidence(exif);
     const std::optional<QString> identifier = takeFromDatabase(exif, m_database, result);
     const RecordedMode mode = identifier ? modeOfModel(*m_modes, *identifier)
                                          : findRecordedMode(*m_modes, exif, evidence);
-    if (identifier) {
-        result.evidence.push_back(
-            {PixelSizeOrigin::Database,
-             atRecordedSize(result.camera.params, exif),
-             result.modelName,
-             {}});
-    } else if (mode.pixelSize > 0.0) {
-        result.evidence.push_back({PixelSizeOrigin::Estimated, mode.pixelSize, mode.model, {}});
+    const KnownPixelSize known =
+        identifier ? KnownPixelSize{PixelSizeOrigin::Database,
+                                    atRecordedSize(result.camera.params, exif), result.modelName}
+                   : KnownPixelSize{PixelSizeOrigin::Estimated, mode.pixelSize, mode.model};
+    const std::vector<KnownMode> ofName = m_modes->of(exif.exifId());
+    if (severalSensors(*m_modes, exif) || (!ofName.empty() && known.pixelSizeMm == 0.0)) {
+        doubtTable(ofName, exif, known, evidence);
     }
-    addClaims(evidence, result.evidence);
-    if (severalSensors(*m_modes, exif)) {
-        doubtTable(result.evidence);
-    }
-    const PixelSizeClaim* taken = judge(result.evidence);
+    const JudgedPixelSize judged = judgePixelSize(known, evidence);
     if (!identifier) {
-        takeFromMetadata(exif, m_database, taken != nullptr ? taken->pixelSizeMm : 0.0, result);
+        takeFromMetadata(exif, m_database, judged.pixelSizeMm, result);
     }
-    if (taken != nullptr) {
-        result.pixelSizeFrom = taken->from;
-        result.disagreements = findDisagreements(exif, result.evidence, *taken);
-        if (!mode.caution.isEmpty()) {
-            result.disagreements.append(mode.caution);
-        }
+    result.evidence = judged.claims;
+    result.pixelSizeFrom = judged.from;
+    if (judged.from != PixelSizeOrigin::None) {
+        result.disagreements = findDisagreements(exif, judged, mode);
     }
 
     CameraParams& params = result.camera.params;
     if (!isEmpty(file) && !isEmpty(sizeOf(params))) {
         const SizeChange change = compareSizes(sizeOf(params), file);
-        setMode(change, mode, exif.sizeStated || isEmpty(inFile), result);
+        setMode(change, mode, exif, exif.sizeStated || isEmpty(inFile), result);
         fitToFile(change, file, params);
     }
+    result.pixelSizeSigmaMm = judged.sigma * params.pixelSize;
     return result;
 }
 
