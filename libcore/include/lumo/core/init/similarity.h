@@ -37,10 +37,12 @@ enum class Freedom {
     Translation, ///< translation at a given scale, without rotation: 3, 1 pair at least
 };
 
-/// The number of parameters, and the fewest pairs that determine them.
+/// The number of parameters that are estimated.
 [[nodiscard]] LUMO_CORE_EXPORT int parameterCount(Freedom freedom);
+/// The fewest pairs that determine the parameters.
 [[nodiscard]] LUMO_CORE_EXPORT std::size_t fewestPairs(Freedom freedom);
 
+/// What is estimated, and how.
 struct Options
 {
     Freedom freedom = Freedom::Similarity;
@@ -53,6 +55,7 @@ struct Options
     std::function<bool()> shouldStop;
 };
 
+/// Why there is no estimate.
 enum class Failure {
     None,
     BadInput,          ///< lists that do not fit together, numbers that are none or too large
@@ -71,6 +74,7 @@ struct Candidate
     std::vector<std::size_t> pairs;   ///< those that it explains
 };
 
+/// How an estimate ended.
 struct Outcome
 {
     Failure failure = Failure::None;
@@ -106,6 +110,7 @@ struct LUMO_CORE_EXPORT Uncertainty
 /// |normalised| above it is an error at the level of 0.1 %: the two-sided normal quantile.
 inline constexpr double kCriticalNormalised = 3.290526731;
 
+/// The transform that was found, with its noise, its uncertainty, and a weight for each pair.
 struct Estimate
 {
     math::RigidTransform3D transform; ///< from points 2 to points 1
