@@ -24,7 +24,7 @@ namespace lumo::rigidSampleScore {
 /// The residual length at `position` of the sorted ones, in sigmas.
 /// \param[out] weights  one number a pair: 1 where the squared length is below twice that
 ///        of the score, else 0
-/// \param scratch  as many numbers as pairs; what it holds is lost
+/// \param scratch  as many numbers as pairs; overwritten
 /// \param log  whether the score and the number of inliers are logged
 /// \throws std::logic_error "empty container" if there are no pairs
 [[nodiscard]] double score(

@@ -10,7 +10,7 @@
 
 namespace lumo {
 
-/// A pixel size that the database tells; of size 0 if it tells none.
+/// The pixel size by the database; 0 if the database has none.
 struct KnownPixelSize
 {
     PixelSizeOrigin from = PixelSizeOrigin::None;
@@ -27,8 +27,8 @@ struct JudgedPixelSize
     std::vector<PixelSizeClaim> claims;
 };
 
-/// Takes what the database tells, else what the evidence yields together, and holds each
-/// claim against it.
+/// Takes the database's pixel size, else the one combined from the evidence, and compares
+/// each claim with it.
 [[nodiscard]] JudgedPixelSize judgePixelSize(
     const KnownPixelSize& known, const std::vector<exif::PixelSizeEvidence>& evidence);
 

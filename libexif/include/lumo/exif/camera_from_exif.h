@@ -70,7 +70,7 @@ struct CombinedPixelSize
 ///   2.2 %, and the rounding of both lengths; for pictures wider than 16:10 half of what two
 ///   ways to count differ, that of the picture and that of a 4:3 sensor as wide. The factors
 ///   1, 1.5 and 2 mean known sensors (1 %). Wrong for 5 %, of wide pictures 8 %. Below 9 mm it does
-///   not count: only a fisheye lens is as wide, of which the ratio tells nothing.
+///   not count: only a fisheye lens is as wide, and its ratio does not give the diagonal.
 ///
 /// A digital zoom that brings sensor table or focal plane closer to the 35 mm equivalent
 /// divides them. Nothing counts by which the sensor would not be 1 to 70 mm long.

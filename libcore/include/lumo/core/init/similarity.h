@@ -94,7 +94,7 @@ struct LUMO_CORE_EXPORT Uncertainty
     /// Covariance of transform(point) for a point of set 2 that is known exactly.
     [[nodiscard]] Eigen::Matrix3d predict(const Eigen::Vector3d& point) const;
     /// By what predict()'s standard deviations grow to the half axes of the ellipsoid
-    /// that holds the place with `probability` in (0, 1): sqrt(3 F), F the quantile of
+    /// that contains the place with `probability` in (0, 1): sqrt(3 F), F the quantile of
     /// the F distribution of 3 and `redundancy` degrees of freedom.
     [[nodiscard]] double ellipsoidFactor(double probability) const;
     /// The same for `dimensions` parameters at once: sqrt(dimensions F).
@@ -151,7 +151,7 @@ struct Estimate
 [[nodiscard]] LUMO_CORE_EXPORT Outcome
 estimate(const PointPairs& pairs, const Options& options, Estimate& found);
 
-/// What the fit tells about one pair.
+/// The statistics of one pair.
 struct PairStatistics
 {
     Eigen::Vector3d residual; ///< point 1 - transform(point 2)
@@ -168,7 +168,7 @@ struct PairStatistics
     Eigen::Vector3d smallestDetectable;
 };
 
-/// What the fit tells about pair i, which may be one that was kept out of it.
+/// The statistics of pair i, which may be a check point.
 /// \param found  of `pairs`
 [[nodiscard]] LUMO_CORE_EXPORT PairStatistics
 examinePair(const PointPairs& pairs, const Estimate& found, std::size_t i);
