@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ciff_directories.h"
 
-#include <QtEndian>
+#include "byte_order.h"
 
 #include <optional>
 
@@ -83,13 +83,11 @@ private:
 
     [[nodiscard]] quint16 get16(std::size_t at) const
     {
-        return m_little ? qFromLittleEndian<quint16>(m_data + at)
-                        : qFromBigEndian<quint16>(m_data + at);
+        return readNumber<quint16>(m_data + at, m_little);
     }
     [[nodiscard]] quint32 get32(std::size_t at) const
     {
-        return m_little ? qFromLittleEndian<quint32>(m_data + at)
-                        : qFromBigEndian<quint32>(m_data + at);
+        return readNumber<quint32>(m_data + at, m_little);
     }
 
     const unsigned char* m_data;
@@ -108,8 +106,7 @@ bool directoriesAreCheap(const unsigned char* data, std::size_t size, QString& e
         return true;
     }
     const bool littleEndian = data[0] == 'I';
-    const std::size_t begin =
-        littleEndian ? qFromLittleEndian<quint32>(data + 2) : qFromBigEndian<quint32>(data + 2);
+    const std::size_t begin = readNumber<quint32>(data + 2, littleEndian);
     if (begin > size) {
         return true;
     }

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "byte_order.h"
+
 #include <QByteArray>
-#include <QtEndian>
 
 #include <cstddef>
 
@@ -48,13 +49,11 @@ public:
     }
     [[nodiscard]] quint16 get16(std::size_t at) const
     {
-        return m_little ? qFromLittleEndian<quint16>(m_data + at)
-                        : qFromBigEndian<quint16>(m_data + at);
+        return readNumber<quint16>(m_data + at, m_little);
     }
     [[nodiscard]] quint32 get32(std::size_t at) const
     {
-        return m_little ? qFromLittleEndian<quint32>(m_data + at)
-                        : qFromBigEndian<quint32>(m_data + at);
+        return readNumber<quint32>(m_data + at, m_little);
     }
     void put16(std::size_t at, quint16 number)
     {
